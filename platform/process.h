@@ -1,0 +1,22 @@
+// Starting a helper program (the archive tool) and waiting for it.
+#ifndef QV_PLATFORM_PROCESS_H_
+#define QV_PLATFORM_PROCESS_H_
+
+#include <string>
+#include <vector>
+
+namespace quorvane::platform {
+
+struct ProcessResult {
+  bool started = false;  // false: the program could not be found or started
+  int exit_status = -1;  // its exit status once it has ended (-1: killed by a signal)
+};
+
+// Runs argv[0], looked up in PATH when it names no folder, with the given
+// argument list (no shell), the caller's environment and current folder, its
+// standard streams on /dev/null.  Waits without a time limit.
+ProcessResult RunProcess(const std::vector<std::u16string>& argv);
+
+}  // namespace quorvane::platform
+
+#endif  // QV_PLATFORM_PROCESS_H_

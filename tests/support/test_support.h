@@ -1,0 +1,75 @@
+// Helpers shared by the unit and black-box tests: a scratch folder per test,
+// whole-file reads and writes, code page 932 text, and running a program with
+// its exit status.  Tests may call the system directly; the product may not.
+#ifndef QV_TESTS_SUPPORT_TEST_SUPPORT_H_
+#define QV_TESTS_SUPPORT_TEST_SUPPORT_H_
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qvtest {
+
+// A fresh, empty folder below $TMPDIR (or /tmp), removed at destruction.
+// path() ends without a separator.
+class ScratchDir {
+ public:
+  ScratchDir();
+  ~ScratchDir();
+  ScratchDir(const ScratchDir&) = delete;
+  ScratchDir& operator=(const ScratchDir&) = delete;
+
+  const std::string& path() const { return path_; }
+  // path() + "/" + relative
+  std::string Sub(std::string_view relative) const;
+
+ private:
+  std::string path_;
+};
+
+// Writes bytes to a file, making the parent folders first.
+void WriteFile(const std::string& path, std::string_view bytes);
+// The whole file; fails the test (and returns empty) when it cannot be read.
+std::string ReadFile(const std::string& path);
+bool Exists(const std::string& path);
+bool IsDir(const std::string& path);
+void MakeDirs(const std::string& path);
+void RemoveAll(const std::string& path);
+// Plain file names in a folder, sorted; folders end in "/".
+std::vector<std::string> ListDir(const std::string& path);
+
+// UTF-8 <-> code page 932 (Windows-31J) for building project files in tests.
+std::string Cp932(std::string_view utf8);
+std::string Utf8FromCp932(std::string_view cp932);
+std::u16string U16(std::string_view utf8);
+std::string U8(std::u16string_view text);
+
+struct RunResult {
+  int status = -1;       // exit status 0..255, or -1 when the program did not exit normally
+  std::string output;    // stdout and stderr together
+};
+
+// Runs a program with the given arguments (argv[0] is args[0], searched in
+// PATH), with extra "NAME=value" entries added to (or replacing those of) the
+// environment. Waits for it.
+RunResult Run(const std::vector<std::string>& args,
+              const std::vector<std::string>& env = {});
+
+// Runs the built qvConvApp with the given arguments.
+RunResult RunQv(const std::vector<std::string>& args,
+                const std::vector<std::string>& env = {});
+
+// The 8-bit status a POSIX caller sees for one of our exit codes.
+inline int Status(int code) { return code & 0xff; }
+
+// Packs the contents of `folder` (entries by their names relative to it)
+// into a new zip file with 7za.
+void ZipFolderContents(const std::string& folder, const std::string& zip);
+// Member names of a zip file as 7za lists them (with "/" separators), sorted.
+std::vector<std::string> ZipMembers(const std::string& zip);
+
+}  // namespace qvtest
+
+#endif  // QV_TESTS_SUPPORT_TEST_SUPPORT_H_
