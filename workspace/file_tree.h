@@ -1,0 +1,39 @@
+// Whole-tree file operations on paths: delete, copy, and a plain listing.
+//
+// None of them follows a symbolic link found inside a tree: a link is removed
+// or listed as the entry it is, never descended into, so nothing outside the
+// tree is touched.
+#ifndef QV_WORKSPACE_FILE_TREE_H_
+#define QV_WORKSPACE_FILE_TREE_H_
+
+#include <string>
+#include <vector>
+
+namespace quorvane::qvconv::converter {
+
+// Removes a folder with everything in it, read-only files included.  True if
+// the folder is gone; false if it cannot be listed (it does not exist, or is
+// no folder) or something in it could not be removed.  Stops at the first
+// entry that cannot be removed, leaving the rest in place.
+bool DeleteTree(const std::u16string& path);
+
+// Copies `source` to `destination`.
+//   - A missing source: nothing happens.
+//   - A single file: copied to the full target path `destination`, which is
+//     overwritten if it exists.
+//   - A folder: its files go into `destination`, which must exist already (it
+//     is not made here, and if it is missing nothing of the first level
+//     arrives); its subfolders are made below `destination` and copied in turn.
+// A file that cannot be copied is passed over without a failure.  A standard
+// exception along the way throws code -4.
+void CopyTree(const std::u16string& source, const std::u16string& destination);
+
+// The full paths ("<folder>/<name>") of the plain files in one folder, in the
+// order of the listing (by name).  Names beginning with "." and folders are
+// left out; subfolders are not descended into.  A folder that cannot be
+// listed gives an empty list.
+std::vector<std::u16string> ListFiles(const std::u16string& folder);
+
+}  // namespace quorvane::qvconv::converter
+
+#endif  // QV_WORKSPACE_FILE_TREE_H_
