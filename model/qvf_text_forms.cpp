@@ -1,0 +1,229 @@
+// The text forms of colours, dates, times, integers, regions and flags.
+#include "model/qvf_text_forms.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <stdexcept>
+
+namespace quorvane::qvformat::format {
+
+namespace {
+
+bool IsSpace(char16_t c) {
+  return c == u' ' || c == u'\t' || c == u'\n' || c == u'\v' || c == u'\f' || c == u'\r';
+}
+
+bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
+
+int HexValue(char16_t c) {
+  if (c >= u'0' && c <= u'9') return c - u'0';
+  if (c >= u'a' && c <= u'f') return c - u'a' + 10;
+  if (c >= u'A' && c <= u'F') return c - u'A' + 10;
+  return -1;
+}
+
+std::u16string Widen(const std::string& ascii) { return std::u16string(ascii.begin(), ascii.end()); }
+
+// printf "%0<width>d": the sign first, then zeros up to the width.
+std::u16string PaddedDecimal(std::int64_t value, std::size_t width) {
+  bool negative = value < 0;
+  std::uint64_t magnitude =
+      negative ? static_cast<std::uint64_t>(-(value + 1)) + 1 : static_cast<std::uint64_t>(value);
+  std::string digits = std::to_string(magnitude);
+  std::size_t used = digits.size() + (negative ? 1 : 0);
+  std::string text = negative ? "-" : "";
+  if (used < width) text.append(width - used, '0');
+  text += digits;
+  return Widen(text);
+}
+
+// printf "%02x" of an int: its 32 bits as unsigned, lower case, two digits at least.
+void AppendHexByte(std::u16string& out, std::int32_t value) {
+  static constexpr char kDigits[] = "0123456789abcdef";
+  std::uint32_t bits = static_cast<std::uint32_t>(value);
+  std::string text;
+  do {
+    text.insert(text.begin(), kDigits[bits & 0xf]);
+    bits >>= 4;
+  } while (bits != 0);
+  if (text.size() < 2) text.insert(text.begin(), '0');
+  out += Widen(text);
+}
+
+std::u16string FormatColor(const QvFColor& color, std::u16string_view prefix) {
+  std::u16string text(prefix);
+  if (color.a != 255) AppendHexByte(text, color.a);
+  AppendHexByte(text, color.r);
+  AppendHexByte(text, color.g);
+  AppendHexByte(text, color.b);
+  return text;
+}
+
+// wcstoul with base 16 on 32-bit unsigned long: white space, a sign, an
+// optional "0x"/"0X", then hexadecimal digits.  Overflow gives the largest value.
+std::uint32_t ScanUnsignedHex(std::u16string_view text) {
+  std::size_t pos = 0;
+  while (pos < text.size() && IsSpace(text[pos])) ++pos;
+  bool negative = false;
+  if (pos < text.size() && (text[pos] == u'+' || text[pos] == u'-')) {
+    negative = text[pos] == u'-';
+    ++pos;
+  }
+  if (pos + 1 < text.size() && text[pos] == u'0' && (text[pos + 1] == u'x' || text[pos + 1] == u'X')) {
+    pos += 2;
+  }
+  std::uint64_t value = 0;
+  bool overflow = false;
+  for (; pos < text.size() && HexValue(text[pos]) >= 0; ++pos) {
+    value = value * 16 + static_cast<std::uint64_t>(HexValue(text[pos]));
+    if (value > 0xffffffffu) {
+      overflow = true;
+      value = 0xffffffffu;
+    }
+  }
+  if (overflow) return 0xffffffffu;
+  std::uint32_t result = static_cast<std::uint32_t>(value);
+  return negative ? static_cast<std::uint32_t>(0u - result) : result;
+}
+
+// One "%<width>d" of a scan at `pos`: white space is skipped (and not counted),
+// then at most `width` characters of an optional sign and digits are taken.
+// False, with nothing stored, when no digit stands there.
+bool ScanDecimal(std::u16string_view text, std::size_t& pos, std::size_t width, std::int32_t& value) {
+  std::size_t at = pos;
+  while (at < text.size() && IsSpace(text[at])) ++at;
+  std::size_t end = at + width < text.size() ? at + width : text.size();
+  bool negative = false;
+  if (at < end && (text[at] == u'+' || text[at] == u'-')) {
+    negative = text[at] == u'-';
+    ++at;
+  }
+  if (at >= end || !IsDigit(text[at])) return false;
+  std::int32_t number = 0;  // width is at most four digits: no overflow
+  for (; at < end && IsDigit(text[at]); ++at) number = number * 10 + (text[at] - u'0');
+  value = negative ? -number : number;
+  pos = at;
+  return true;
+}
+
+// A literal character of a scan format.
+bool ScanLiteral(std::u16string_view text, std::size_t& pos, char16_t c) {
+  if (pos < text.size() && text[pos] == c) {
+    ++pos;
+    return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+std::u16string FormatColorHash(const QvFColor& color) { return FormatColor(color, u"#"); }
+
+std::u16string FormatColorHex(const QvFColor& color) { return FormatColor(color, u"0x"); }
+
+void ParseColor(std::u16string_view text, QvFColor& color) {
+  if (text.empty()) return;
+  std::u16string rest(text);
+  std::size_t hash = rest.find(u'#');
+  if (hash != std::u16string::npos) {
+    rest.erase(hash, 1);
+  } else {
+    std::size_t hex = rest.find(u"0x");
+    if (hex == std::u16string::npos) throw std::out_of_range("colour text without # or 0x");
+    rest.erase(hex, 2);
+  }
+  std::uint32_t value = ScanUnsignedHex(rest);
+  if (rest.size() > 6) color.a = static_cast<std::int32_t>((value >> 24) & 0xff);
+  color.r = static_cast<std::int32_t>((value >> 16) & 0xff);
+  color.g = static_cast<std::int32_t>((value >> 8) & 0xff);
+  color.b = static_cast<std::int32_t>(value & 0xff);
+}
+
+std::u16string FormatDate(const std::tm& date) {
+  return PaddedDecimal(static_cast<std::int64_t>(date.tm_year) + 1900, 4) + u"/" +
+         PaddedDecimal(static_cast<std::int64_t>(date.tm_mon) + 1, 2) + u"/" +
+         PaddedDecimal(date.tm_mday, 2);
+}
+
+void ParseDate(std::u16string_view text, std::tm& date) {
+  if (text.empty()) return;
+  std::size_t pos = 0;
+  std::int32_t number = 0;
+  if (!ScanDecimal(text, pos, 4, number)) return;
+  date.tm_year = number - 1900;
+  if (!ScanLiteral(text, pos, u'/') || !ScanDecimal(text, pos, 2, number)) return;
+  date.tm_mon = number - 1;
+  if (!ScanLiteral(text, pos, u'/') || !ScanDecimal(text, pos, 2, number)) return;
+  date.tm_mday = number;
+}
+
+std::u16string FormatTime(const std::tm& time) {
+  return PaddedDecimal(time.tm_hour, 2) + u":" + PaddedDecimal(time.tm_min, 2) + u":" +
+         PaddedDecimal(time.tm_sec, 2);
+}
+
+void ParseTime(std::u16string_view text, std::tm& time) {
+  std::size_t pos = 0;
+  if (!ScanDecimal(text, pos, 2, time.tm_hour)) return;
+  if (!ScanLiteral(text, pos, u':') || !ScanDecimal(text, pos, 2, time.tm_min)) return;
+  if (!ScanLiteral(text, pos, u':')) return;
+  ScanDecimal(text, pos, 2, time.tm_sec);
+}
+
+std::u16string FormatInt(std::int32_t value) { return PaddedDecimal(value, 0); }
+
+std::int32_t ParseInt(std::u16string_view text) {
+  std::size_t pos = 0;
+  while (pos < text.size() && IsSpace(text[pos])) ++pos;
+  bool negative = false;
+  if (pos < text.size() && (text[pos] == u'+' || text[pos] == u'-')) {
+    negative = text[pos] == u'-';
+    ++pos;
+  }
+  std::int64_t value = 0;
+  constexpr std::int64_t kLimit = 2147483648LL;  // one past INT32_MAX: the magnitude of INT32_MIN
+  for (; pos < text.size() && IsDigit(text[pos]); ++pos) {
+    value = value * 10 + (text[pos] - u'0');
+    if (value > kLimit) value = kLimit;
+  }
+  if (negative) return static_cast<std::int32_t>(-value);
+  return value >= kLimit ? INT32_MAX : static_cast<std::int32_t>(value);
+}
+
+std::array<std::u16string, 4> FormatRegion(const QvFRegion& region) {
+  return {FormatInt(region.x), FormatInt(region.y), FormatInt(region.width), FormatInt(region.height)};
+}
+
+void ParseRegion(std::u16string_view x, std::u16string_view y, std::u16string_view width,
+                 std::u16string_view height, QvFRegion& region) {
+  region.x = ParseInt(x);
+  region.y = ParseInt(y);
+  region.width = ParseInt(width);
+  region.height = ParseInt(height);
+}
+
+std::u16string FormatFlag(const std::optional<bool>& value) { return FormatFlag(value.value_or(false)); }
+
+std::u16string FormatFlag(bool value) { return value ? u"true" : u"false"; }
+
+std::optional<bool> ParseBoolValue(std::u16string_view text) {
+  if (text.size() == 1) {
+    if (text[0] == u'1') return true;
+    if (text[0] == u'0') return false;
+    return std::nullopt;
+  }
+  if (text == u"true") return true;
+  if (text == u"false") return false;
+  return std::nullopt;
+}
+
+void ParseDefaultFlag(std::u16string_view text, bool& value) {
+  if (text.empty()) return;
+  std::u16string folded(text);
+  for (char16_t& c : folded) {
+    if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c - u'A' + u'a');
+  }
+  value = folded == u"true";
+}
+
+}  // namespace quorvane::qvformat::format
