@@ -1,0 +1,68 @@
+#include "platform/system_info.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+#include <uuid/uuid.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+
+#include "platform/file_system.h"
+
+namespace quorvane::platform {
+
+std::u16string TempDirectory() {
+  const char* tmp = std::getenv("TMPDIR");
+  std::string dir = (tmp != nullptr && *tmp != '\0') ? tmp : "/tmp";
+  if (dir.back() != '/') dir.push_back('/');
+  return PathFromNative(dir);
+}
+
+std::tm LocalNow() {
+  std::time_t now = std::time(nullptr);
+  std::tm result{};
+  ::localtime_r(&now, &result);
+  return result;
+}
+
+std::u16string NewUuid() {
+  uuid_t id;
+  uuid_generate_random(id);
+  char text[37];
+  uuid_unparse_lower(id, text);
+  return PathFromNative(text);
+}
+
+std::string MessageLocaleName() {
+  for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+    const char* value = std::getenv(name);
+    if (value != nullptr && *value != '\0') return value;
+  }
+  return "C";
+}
+
+void WriteStandardError(const std::string& line) {
+  std::fputs(line.c_str(), stderr);
+  std::fputc('\n', stderr);
+  std::fflush(stderr);
+}
+
+FileLock::FileLock(std::u16string_view path) {
+  fd_ = ::open(NativePath(path).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+  if (fd_ < 0) return;
+  while (::flock(fd_, LOCK_EX) != 0) {
+    if (errno != EINTR) {
+      ::close(fd_);
+      fd_ = -1;
+      return;
+    }
+  }
+}
+
+FileLock::~FileLock() {
+  if (fd_ >= 0) ::close(fd_);  // closing the file releases the lock
+}
+
+}  // namespace quorvane::platform

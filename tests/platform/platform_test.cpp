@@ -1,0 +1,141 @@
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <regex>
+
+#include "platform/file_system.h"
+#include "platform/process.h"
+#include "platform/system_info.h"
+#include "platform/text_codec.h"
+#include "tests/support/test_support.h"
+
+namespace quorvane::platform {
+namespace {
+
+using qvtest::ScratchDir;
+using qvtest::U16;
+
+TEST(TextCodec, Cp932RoundTripKeepsJapaneseAndBackslashTrailBytes) {
+  // 表 and ソ have 0x5C as their second byte in code page 932.
+  const std::u16string text = U16("表ソ能 予定表 abc\\def ｱｲｳ ①");
+  const std::string bytes = Cp932FromUtf16(text);
+  EXPECT_EQ(bytes.substr(0, 2), std::string("\x95\x5C", 2));
+  EXPECT_EQ(Utf16FromCp932(bytes), text);
+  EXPECT_EQ(qvtest::Utf8FromCp932(bytes), qvtest::U8(text));
+}
+
+TEST(TextCodec, Cp932ReplacesWhatItCannotCarry) {
+  // A lone lead byte at the end and an undefined lead byte decode to U+30FB.
+  EXPECT_EQ(Utf16FromCp932(std::string("a\x81", 2)), u"a\u30FB");
+  EXPECT_EQ(Utf16FromCp932(std::string("\xFD" "b", 2)), u"\u30FB" u"b");
+  // A character outside code page 932 (and one outside the basic plane) become "?".
+  EXPECT_EQ(Cp932FromUtf16(u"x\u0100y"), "x?y");
+  EXPECT_EQ(Cp932FromUtf16(u"\U0001F600"), "?");
+  EXPECT_EQ(Utf16FromCp932(""), u"");
+}
+
+TEST(TextCodec, Utf8BothWaysWithSurrogatesAndBadBytes) {
+  const std::u16string text = u"a\u00e9\u3042\U0001F600";
+  const std::string utf8 = Utf8FromUtf16(text);
+  EXPECT_EQ(utf8, "a\xC3\xA9\xE3\x81\x82\xF0\x9F\x98\x80");
+  EXPECT_EQ(Utf16FromUtf8(utf8), text);
+  EXPECT_EQ(Utf8FromUtf16(std::u16string(1, char16_t(0xD800))), "\xEF\xBF\xBD");
+  EXPECT_EQ(Utf16FromUtf8("\xC0\xAF" "z"), u"\uFFFD\uFFFDz");  // overlong form
+  EXPECT_EQ(Utf16FromUtf8("\xE3\x81"), u"\uFFFD\uFFFD");       // cut off
+  EXPECT_EQ(Utf16FromUtf16Bytes(std::string("\x42\x30\x41", 3), false), u"\u3042");
+  EXPECT_EQ(Utf16FromUtf16Bytes(std::string("\x30\x42", 2), true), u"\u3042");
+}
+
+TEST(FileSystem, FoldersListingAndRemoval) {
+  ScratchDir dir;
+  const std::u16string root = U16(dir.path());
+  EXPECT_EQ(MakeDirectory(root + u"/b"), MakeDirResult::kCreated);
+  EXPECT_EQ(MakeDirectory(root + u"/b"), MakeDirResult::kExists);
+  EXPECT_EQ(MakeDirectory(root + u"/x/y"), MakeDirResult::kFailed);
+  ASSERT_TRUE(WriteFile(root + u"/a.csv", "1"));
+  ASSERT_TRUE(WriteFile(root + U16("/日本.txt"), "2"));
+  ::chmod((dir.path() + "/a.csv").c_str(), 0444);
+
+  std::vector<DirEntry> entries;
+  ASSERT_TRUE(ListDirectory(root, &entries));
+  ASSERT_EQ(entries.size(), 3u);
+  EXPECT_EQ(entries[0].name, u"a.csv");
+  EXPECT_TRUE(entries[0].read_only);
+  EXPECT_EQ(entries[1].name, u"b");
+  EXPECT_TRUE(entries[1].is_directory);
+  EXPECT_EQ(entries[2].name, U16("日本.txt"));
+  EXPECT_FALSE(ListDirectory(root + u"/missing", &entries));
+
+  EXPECT_TRUE(MakeWritable(root + u"/a.csv"));
+  EXPECT_TRUE(RemoveFile(root + u"/a.csv"));
+  EXPECT_FALSE(PathExists(root + u"/a.csv"));
+  EXPECT_FALSE(RemoveDirectory(root));  // not empty
+  EXPECT_TRUE(RemoveDirectory(root + u"/b"));
+}
+
+TEST(FileSystem, ReadsAndWritesWholeFilesAndRefusesNonFiles) {
+  ScratchDir dir;
+  const std::u16string root = U16(dir.path());
+  std::string big(200000, 'x');
+  big[123456] = '\0';
+  ASSERT_TRUE(WriteFile(root + u"/f", big));
+  std::string back;
+  ASSERT_TRUE(ReadFile(root + u"/f", &back));
+  EXPECT_EQ(back, big);
+  ASSERT_TRUE(ReadFilePrefix(root + u"/f", 2, &back));
+  EXPECT_EQ(back, "xx");
+
+  ASSERT_TRUE(WriteFile(root + u"/g", "old contents"));
+  ASSERT_TRUE(CopyFile(root + u"/f", root + u"/g"));  // overwrites
+  ASSERT_TRUE(ReadFile(root + u"/g", &back));
+  EXPECT_EQ(back, big);
+
+  EXPECT_FALSE(ReadFile(root + u"/missing", &back));
+  EXPECT_FALSE(ReadFile(root, &back));  // a folder
+  ASSERT_EQ(::mkfifo((dir.path() + "/pipe").c_str(), 0600), 0);
+  EXPECT_FALSE(ReadFile(root + u"/pipe", &back));  // must not block
+  EXPECT_FALSE(CopyFile(root + u"/pipe", root + u"/h"));
+  EXPECT_FALSE(WriteFile(u"/dev/full", "no room"));
+  EXPECT_FALSE(WriteFile(root + u"/no/such/folder", "x"));
+}
+
+TEST(Process, ReportsStartAndExitStatus) {
+  EXPECT_TRUE(RunProcess({u"true"}).started);
+  EXPECT_EQ(RunProcess({u"sh", u"-c", u"exit 3"}).exit_status, 3);
+  EXPECT_FALSE(RunProcess({u"no-such-program-qv"}).started);
+  EXPECT_FALSE(RunProcess({}).started);
+}
+
+TEST(SystemInfo, TempFolderUuidAndLocale) {
+  const char* saved = std::getenv("TMPDIR");
+  ::setenv("TMPDIR", "/var/tmp", 1);
+  EXPECT_EQ(TempDirectory(), u"/var/tmp/");
+  ::setenv("TMPDIR", "", 1);
+  EXPECT_EQ(TempDirectory(), u"/tmp/");
+  if (saved) ::setenv("TMPDIR", saved, 1); else ::unsetenv("TMPDIR");
+
+  const std::string id = qvtest::U8(NewUuid());
+  EXPECT_TRUE(std::regex_match(id, std::regex("[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}")));
+  EXPECT_NE(NewUuid(), NewUuid());
+
+  ::setenv("LC_ALL", "", 1);
+  ::setenv("LC_MESSAGES", "ja_JP.UTF-8", 1);
+  ::setenv("LANG", "en_US.UTF-8", 1);
+  EXPECT_EQ(MessageLocaleName(), "ja_JP.UTF-8");
+  ::setenv("LC_ALL", "C", 1);
+  EXPECT_EQ(MessageLocaleName(), "C");
+}
+
+TEST(SystemInfo, FileLockIsExclusiveBetweenProcesses) {
+  ScratchDir dir;
+  const std::u16string lock_path = U16(dir.path() + "/lock");
+  FileLock lock(lock_path);
+  ASSERT_TRUE(lock.held());
+  // flock(1) in another process must not get the lock while we hold it.
+  auto r = qvtest::Run({"flock", "-n", dir.path() + "/lock", "true"});
+  EXPECT_NE(r.status, 0);
+}
+
+}  // namespace
+}  // namespace quorvane::platform
