@@ -1,0 +1,82 @@
+#include "workspace/file_tree.h"
+
+#include <exception>
+
+#include "app/qv_conv_exception.h"
+#include "platform/file_system.h"
+
+namespace quorvane::qvconv::converter {
+namespace {
+
+std::u16string Join(const std::u16string& folder, const std::u16string& name) {
+  return folder + u"/" + name;
+}
+
+void CopyEntries(const std::u16string& source, const std::u16string& destination,
+                 const std::vector<platform::DirEntry>& entries) {
+  for (const platform::DirEntry& entry : entries) {
+    const std::u16string from = Join(source, entry.name);
+    const std::u16string to = Join(destination, entry.name);
+    if (entry.is_directory) {
+      platform::MakeDirectory(to);
+      CopyTree(from, to);
+    } else {
+      // One file that does not arrive does not stop the others.
+      platform::CopyFile(from, to);
+    }
+  }
+}
+
+}  // namespace
+
+bool DeleteTree(const std::u16string& path) {
+  std::vector<platform::DirEntry> entries;
+  if (!platform::ListDirectory(path, &entries)) return false;
+  for (const platform::DirEntry& entry : entries) {
+    const std::u16string child = Join(path, entry.name);
+    if (entry.is_directory) {
+      // A read-only folder would keep its entries: open it first.
+      if (entry.read_only) platform::MakeWritable(child);
+      if (!DeleteTree(child)) return false;
+    } else {
+      if (entry.read_only) platform::MakeWritable(child);
+      if (!platform::RemoveFile(child)) return false;
+    }
+  }
+  return platform::RemoveDirectory(path);
+}
+
+void CopyTree(const std::u16string& source, const std::u16string& destination) {
+  try {
+    if (!platform::PathExists(source)) return;
+    // Whatever can be listed is a folder (the top one may be a link to one);
+    // anything else is copied as one file.
+    std::vector<platform::DirEntry> entries;
+    if (!platform::ListDirectory(source, &entries)) {
+      platform::CopyFile(source, destination);
+      return;
+    }
+    CopyEntries(source, destination, entries);
+  } catch (const std::exception&) {
+    ThrowCode(codes::kCopyFailed);
+  }
+}
+
+std::vector<std::u16string> ListFiles(const std::u16string& folder) {
+  std::vector<std::u16string> files;
+  std::vector<platform::DirEntry> entries;
+  if (!platform::ListDirectory(folder, &entries)) return files;
+  for (const platform::DirEntry& entry : entries) {
+    if (entry.is_directory || entry.name.empty() || entry.name[0] == u'.') continue;
+    std::u16string path = Join(folder, entry.name);
+    // A link to a folder is no plain file either.
+    if (!platform::IsRegularFile(path)) {
+      std::vector<platform::DirEntry> inside;
+      if (platform::ListDirectory(path, &inside)) continue;
+    }
+    files.push_back(std::move(path));
+  }
+  return files;
+}
+
+}  // namespace quorvane::qvconv::converter
