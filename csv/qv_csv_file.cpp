@@ -1,0 +1,144 @@
+// The byte form of project CSV files: code page 932 lines, comma separated,
+// with the backslash escapes "\," and "\\".
+#include "csv/qv_csv_file.h"
+
+#include <exception>
+#include <utility>
+
+#include "app/qv_conv_exception.h"
+#include "platform/file_system.h"
+#include "workspace/text_conversion.h"
+
+namespace quorvane::qvconv::io::csv {
+
+namespace {
+
+using converter::QvConvException;
+using converter::ThrowCode;
+namespace codes = converter::codes;
+
+// Replaces every `from` by `to`, left to right, going on behind each
+// inserted text.
+void ReplaceAll(std::u16string& text, std::u16string_view from, std::u16string_view to) {
+  std::size_t pos = 0;
+  while ((pos = text.find(from, pos)) != std::u16string::npos) {
+    text.replace(pos, from.size(), to);
+    pos += to.size();
+  }
+}
+
+// Splits one decoded line into its fields and unescapes them.  A backslash
+// flips the escape state; an escaped comma belongs to the field, an escaped
+// backslash too; any other escaped character is a format error.  A backslash
+// at the very end of the line stays in the field.
+QvCsvFile::Row SplitLine(const std::u16string& line) {
+  QvCsvFile::Row row;
+  std::size_t start = 0;
+  bool escaped = false;
+  for (std::size_t i = 0; i < line.size(); ++i) {
+    char16_t c = line[i];
+    if (c == u'\\') {
+      escaped = !escaped;
+    } else if (c == u',') {
+      if (escaped) {
+        escaped = false;
+      } else {
+        row.push_back(line.substr(start, i - start));
+        start = i + 1;
+      }
+    } else if (escaped) {
+      ThrowCode(codes::kProjectFileBad);
+    }
+  }
+  row.push_back(line.substr(start));
+  for (std::u16string& field : row) {
+    ReplaceAll(field, u"\\,", u",");
+    ReplaceAll(field, u"\\\\", u"\\");
+  }
+  return row;
+}
+
+std::u16string EscapeField(std::u16string field) {
+  ReplaceAll(field, u"\\", u"\\\\");
+  ReplaceAll(field, u",", u"\\,");
+  return field;
+}
+
+}  // namespace
+
+void QvCsvFile::ReadFile(const std::u16string& path) {
+  try {
+    std::string bytes;
+    if (!platform::ReadFile(path, &bytes)) ThrowCode(codes::kProjectFileMissing);
+    ReadBytes(bytes);
+  } catch (QvConvException*) {
+    throw;
+  } catch (const std::exception&) {
+    ThrowCode(codes::kCsvIoFailed);
+  }
+}
+
+void QvCsvFile::ReadBytes(std::string_view bytes) {
+  std::vector<Row> rows;
+  std::size_t pos = 0;
+  while (pos < bytes.size()) {
+    std::size_t end = bytes.find('\n', pos);
+    bool has_line_end = end != std::string_view::npos;
+    std::string_view line = bytes.substr(pos, has_line_end ? end - pos : std::string_view::npos);
+    // Read as text: a CR LF pair is one line end.
+    if (has_line_end && !line.empty() && line.back() == '\r') line.remove_suffix(1);
+    // A line too long for the line buffer ends the read; the rows so far stay.
+    if (line.size() > kMaxLineBytes) break;
+    line = line.substr(0, line.find('\0'));
+    rows.push_back(SplitLine(converter::WideFromCp932(line)));
+    if (!has_line_end) break;
+    pos = end + 1;
+  }
+  for (Row& row : rows) rows_.push_back(std::move(row));
+}
+
+std::string QvCsvFile::WriteBytes() const {
+  std::string bytes;
+  for (const Row& row : rows_) {
+    std::u16string line;
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      if (i > 0) line += u',';
+      if (!row[i].empty()) line += EscapeField(row[i]);
+    }
+    line += u'\n';
+    // Written as text: every LF becomes CR LF.  No trail byte of code page
+    // 932 is 0x0A, so the bytes can be scanned as they are.
+    for (char c : converter::Cp932FromWide(line)) {
+      if (c == '\n') bytes += '\r';
+      bytes += c;
+    }
+  }
+  return bytes;
+}
+
+void QvCsvFile::WriteFile(const std::u16string& path) const {
+  try {
+    platform::OutputFile file;
+    if (!file.Open(path)) ThrowCode(codes::kCannotCreate);
+    file.Append(WriteBytes());
+    // As with a text stream, failures after the file is open are not looked at.
+    file.Close();
+  } catch (QvConvException*) {
+    throw;
+  } catch (const std::exception&) {
+    ThrowCode(codes::kProjectFileBad);
+  } catch (...) {
+    ThrowCode(codes::kUnknownFailure);
+  }
+}
+
+QvCsvFile::Row QvCsvFile::GetRow(std::size_t index) const {
+  return index < rows_.size() ? rows_[index] : Row{};
+}
+
+std::u16string QvCsvFile::GetFirstField(std::size_t index) const {
+  if (index >= rows_.size() || rows_[index].empty()) return {};
+  return rows_[index].front();
+}
+
+}  // namespace quorvane::qvconv::io::csv
