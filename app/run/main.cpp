@@ -1,2 +1,5 @@
-// Entry point; the run control replaces this placeholder.
-int main() { return 0; }
+// qvConvApp: converts, checks and opens digital-signage scenarios.  Nothing
+// is printed; the exit code is the status.
+#include "app/run/run_control.h"
+
+int main(int argc, char** argv) { quorvane::qvconv::converter::Main(argc, argv); }
