@@ -1,10 +1,272 @@
 #include "pipeline/qv_conv_csv_to_xml.h"
 
+#include <exception>
+#include <memory>
+#include <vector>
+
 #include "app/qv_conv_exception.h"
+#include "csv/qvf_read_csv.h"
+#include "platform/file_system.h"
+#include "pipeline/telop_copy.h"
+#include "workspace/archive_tool.h"
+#include "workspace/file_tree.h"
+#include "workspace/project_path.h"
+#include "workspace/work_folder.h"
+#include "xml/qvf_write_xml.h"
+#include "xml/qvf_xml_document.h"
 
 namespace quorvane::qvconv::converter {
+namespace {
 
-// Not built yet: the run ends with the code of an unknown failure.
-void QvConvCsvToXml::Run() { ThrowCode(codes::kUnknownFailure); }
+namespace fmt = qvformat::format;
+
+constexpr const char16_t* kPaneFiles[] = {
+    u"playlist_0.csv", u"playlist_1.csv", u"playlist_2.csv", u"playlist_3.csv", u"playlist_4.csv",
+    u"playlist_5.csv", u"playlist_6.csv", u"playlist_7.csv", u"playlist_8.csv"};
+
+// Makes a folder; with `exists_ok` false a folder that is there already counts
+// as a failure too.  Either way a failure is code -3.
+void MakeFolder(const std::u16string& path, bool exists_ok) {
+  const platform::MakeDirResult result = platform::MakeDirectory(path);
+  if (result == platform::MakeDirResult::kCreated) return;
+  if (result == platform::MakeDirResult::kExists && exists_ok && platform::IsDirectory(path)) return;
+  ThrowCode(codes::kCannotCreate);
+}
+
+bool CanOpenForReading(const std::u16string& path) {
+  std::string nothing;
+  return platform::ReadFilePrefix(path, 0, &nothing);
+}
+
+// The files of a folder whose name begins with `prefix`, exact case.
+std::vector<std::u16string> FilesBeginningWith(const std::u16string& folder, std::u16string_view prefix) {
+  std::vector<std::u16string> found;
+  for (const std::u16string& path : ListFiles(folder)) {
+    if (FileNameOf(path).starts_with(prefix)) found.push_back(path);
+  }
+  return found;
+}
+
+// The extension of a content path as the package names it: from the last
+// "." on, A to Z in lower case, ".jpeg" as ".jpg"; empty without a ".".
+std::u16string PackageExtension(const std::u16string& path) {
+  const auto dot = path.rfind(u'.');
+  if (dot == std::u16string::npos) return {};
+  std::u16string ext = path.substr(dot);
+  for (char16_t& c : ext) {
+    if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c - u'A' + u'a');
+  }
+  if (ext == u".jpeg") ext = u".jpg";
+  return ext;
+}
+
+}  // namespace
+
+void QvConvCsvToXml::Run() {
+  std::u16string work;
+  try {
+    // One start of the XML library for the whole run; each document's own
+    // start and end are then cheap.
+    qvformat::format::io::xml::QvFXmlLibrary xml_library;
+    auto reader = std::make_unique<Reader>();
+    auto writer = std::make_unique<Writer>(config.OutputKind() == KindDebug);
+
+    work = MakeWorkFolder(config.WorkRoot(), u"QvConv");
+    if (work.empty()) ThrowCode(codes::kCannotCreate);
+    const std::u16string format = work + u"/QvFormat";
+    const std::u16string temp = work + u"/Temp";
+    MakeFolder(format, false);
+    MakeFolder(temp, false);
+
+    try {
+      createReport();
+    } catch (const std::exception&) {
+      ThrowCode(codes::kReportNotBegun);
+    }
+    display_region = config.DisplayRegion();
+    setSource(config.InputPath());
+    check_only = config.CheckOnly();
+
+    const std::u16string input = config.InputPath();
+    ConvertSchedule(*reader, *writer, input, format);
+    ConvertTimeTables(*reader, *writer, input, format);
+    CheckInterrupts(input);
+    ConvertPrograms(*reader, *writer, input, format);
+    CopyContents(*reader, input, format, temp);
+
+    // The findings decide about the output here, and only here.
+    if (has_result) {
+      if (!config.CheckPath().empty()) {
+        try {
+          writeReport(config.CheckPath());
+        } catch (const std::exception&) {
+          ThrowCode(codes::kReportNotWritten);
+        }
+      }
+      if (has_error) ThrowCode(codes::kErrorsFound);
+    }
+
+    if (!config.CheckOnly()) {
+      if (config.OutputArchive()) {
+        try {
+          PackFolder(format, config.OutputPath(), config.Compress());
+        } catch (const std::exception&) {
+          ThrowCode(codes::kPackFailed);
+        }
+      } else {
+        try {
+          CopyTree(format, config.OutputPath() + u"QvFormat");
+        } catch (const std::exception&) {
+          ThrowCode(codes::kCopyFailed);
+        }
+      }
+    }
+
+    const bool found = has_result;
+    writer.reset();
+    reader.reset();
+    DeleteTree(work);
+    if (found) ThrowCode(codes::kWarningsFound);
+  } catch (const QvConvException&) {
+    // A check operation that failed (-500, thrown by value): the run stops
+    // where it is, with no report and no output.
+    if (!work.empty()) DeleteTree(work);
+  } catch (const std::exception&) {
+    if (!work.empty()) DeleteTree(work);
+  }
+}
+
+void QvConvCsvToXml::ConvertSchedule(Reader& reader, Writer& writer, const std::u16string& input,
+                                     const std::u16string& format) {
+  try {
+    const std::vector<std::u16string> schedules = FilesBeginningWith(input, u"Schedule");
+    if (schedules.empty()) ThrowCode(codes::kProjectFileMissing);
+    if (schedules.size() > 1) ThrowCode(codes::kTwoSchedules);
+    const std::u16string& path = schedules.front();
+    checkFile(checker::ChSchedule, path);
+    fmt::QvFSchedule schedule = reader.readSchedule(path);
+    if (!check_only) writer.outputSchedule(format + u"/QvS.xml", schedule);
+  } catch (const std::exception&) {
+    ThrowCode(codes::kFinished);
+  }
+}
+
+void QvConvCsvToXml::ConvertTimeTables(Reader& reader, Writer& writer, const std::u16string& input,
+                                       const std::u16string& format) {
+  try {
+    const std::vector<std::u16string> names = reader.index().timetableFiles();
+    MakeFolder(format + u"/QvT", false);
+    for (const std::u16string& name : names) {
+      const std::u16string path = JoinPath(input, name);
+      // A time table that the schedule names and the project lacks is passed over.
+      if (!CanOpenForReading(path)) continue;
+      const std::u16string id = reader.index().timetableId(name);
+      checkFile(checker::ChTimeTable, path);
+      std::unique_ptr<fmt::QvFTimeTable> table = reader.readTimeTable(path);
+      if (!table) ThrowCode(codes::kProjectFileBad);
+      if (!id.empty()) table->id.assign(id);
+      if (!check_only) writer.outputTimeTable(format + u"/QvT/" + id + u".xml", *table);
+    }
+  } catch (const std::exception&) {
+    ThrowCode(codes::kFinished);
+  }
+}
+
+void QvConvCsvToXml::CheckInterrupts(const std::u16string& input) {
+  const std::vector<std::u16string> interrupts = FilesBeginningWith(input, u"Interrupt");
+  if (interrupts.empty()) return;
+  // Interrupt files are never converted: their presence alone is an error.
+  addCheckFile(interrupts.front());
+  beginCheckData(checker::ChInterrupt, interrupts.front());
+  addResult(u"EP0000", true, -1, u"", u"msg.EP0000");
+}
+
+void QvConvCsvToXml::ConvertPrograms(Reader& reader, Writer& writer, const std::u16string& input,
+                                     const std::u16string& format) {
+  try {
+    const std::vector<std::u16string> folders = reader.index().programFolders();
+    MakeFolder(format + u"/QvP", false);
+    for (const std::u16string& f : folders) {
+      pane_override = -1;
+      const std::u16string folder = JoinPath(input, f);
+      const std::u16string csv = folder + u"/program.csv";
+      const std::u16string id = reader.index().programId(f);
+      const std::u16string target = format + u"/QvP/" + id;
+      MakeFolder(target, true);
+      checkFile(checker::ChProgram, csv);
+      std::unique_ptr<fmt::QvFProgram> program = reader.readProgram(csv);
+      if (!program) ThrowCode(codes::kProjectFileBad);
+      if (!check_only) writer.outputProgram(target + u"/" + id + u".xml", *program);
+
+      io::csv::QvFCsvProgramEntry& entry = reader.index().programEntry(id);
+      const std::vector<std::u16string> playlists = io::csv::QvFCsvIndex::Keys(entry.playlist_ids);
+      std::size_t next_item = 0;  // carried across the playlists of the program
+      for (const std::u16string& p : playlists) {
+        const std::u16string path = JoinPath(folder, p);
+        pane_override = PaneOfPlaylist(path);
+        fmt::QvFPlaylist playlist = reader.readPlaylist(path);
+        // Each playlist takes exactly the contents files that its own read added.
+        const std::vector<std::u16string> contents = entry.contents_paths;
+        while (next_item < contents.size()) {
+          const std::u16string contents_path = JoinPath(folder, contents[next_item]);
+          checkFile(checker::ChContentsInfo, contents_path);
+          try {
+            reader.readContents(contents_path, playlist, entry);
+          } catch (const std::exception&) {
+            ThrowCode(codes::kProjectFileBad);
+          }
+          ++next_item;
+        }
+        if (!check_only) {
+          writer.outputPlaylist(target + u"/" + entry.playlistId(p) + u".xml", playlist);
+        }
+      }
+    }
+  } catch (const std::exception&) {
+    ThrowCode(codes::kFinished);
+  }
+}
+
+void QvConvCsvToXml::CopyContents(Reader& reader, const std::u16string& input,
+                                  const std::u16string& format, const std::u16string& /*temp*/) {
+  if (check_only) return;
+  MakeFolder(format + u"/QvC", false);
+  try {
+    for (const io::csv::QvFCsvContentFile& file : reader.index().content_files) {
+      // A path relative to a program folder becomes relative to the project
+      // folder, keeping its leading separator.
+      std::u16string rel = file.path;
+      const auto parent = rel.find(u"..");
+      if (parent == 0) {
+        rel.erase(0, 2);
+      } else if (parent == 1) {
+        rel.erase(0, 3);
+      }
+      const std::u16string src = input + WithForwardSlashes(rel);
+      const std::u16string ext = PackageExtension(src);
+      if (config.SkipContents()) continue;
+      // A content path that climbs out of the project is left out, as a
+      // missing file is: a project must not bring other files into a package.
+      if (HasParentStep(rel)) continue;
+      const std::u16string dst = format + u"/QvC/" + file.id + ext;
+      if (ext == u".tlp") {
+        CopyTelopAsText(src, dst);
+      } else {
+        CopyTree(src, dst);
+      }
+    }
+  } catch (const std::exception&) {
+    ThrowCode(codes::kCopyFailed);
+  }
+}
+
+int QvConvCsvToXml::PaneOfPlaylist(const std::u16string& path) {
+  const auto cut = path.find_last_of(u"\\/");
+  const std::u16string name = cut == std::u16string::npos ? std::u16string() : path.substr(cut + 1);
+  for (int i = 0; i < 9; ++i) {
+    if (name == kPaneFiles[i]) return i;
+  }
+  return -1;
+}
 
 }  // namespace quorvane::qvconv::converter

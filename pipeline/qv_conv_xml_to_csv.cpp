@@ -1,10 +1,140 @@
 #include "pipeline/qv_conv_xml_to_csv.h"
 
+#include <exception>
+#include <memory>
+#include <vector>
+
 #include "app/qv_conv_exception.h"
+#include "csv/qvf_write_csv.h"
+#include "pipeline/package_names.h"
+#include "platform/file_system.h"
+#include "workspace/archive_tool.h"
+#include "workspace/file_tree.h"
+#include "workspace/work_folder.h"
+#include "xml/qvf_read_xml.h"
+#include "xml/qvf_xml_document.h"
 
 namespace quorvane::qvconv::converter {
+namespace {
 
-// Not built yet: the run ends with the code of an unknown failure.
-void QvConvXmlToCsv::Run() { ThrowCode(codes::kUnknownFailure); }
+namespace fmt = qvformat::format;
+using io::csv::QvFWriteCsv;
+using qvformat::format::io::xml::QvFReadXml;
+
+// Makes a folder that may exist already; any other failure is code -3.
+void MakeFolder(const std::u16string& path) {
+  if (platform::MakeDirectory(path) == platform::MakeDirResult::kFailed) {
+    ThrowCode(codes::kCannotCreate);
+  }
+}
+
+}  // namespace
+
+void QvConvXmlToCsv::Run() {
+  try {
+    std::u16string work;
+    Convert(work);
+  } catch (const std::exception&) {
+    ThrowCode(codes::kFinished);
+  }
+}
+
+void QvConvXmlToCsv::Convert(std::u16string& work) {
+  qvformat::format::io::xml::QvFXmlLibrary xml_library;
+  auto reader = std::make_unique<QvFReadXml>(config.InputKind() == KindDebug);
+  // Built first, so that its stamp is the start of the run.
+  auto writer = std::make_unique<QvFWriteCsv>();
+
+  work = MakeWorkFolder(config.ConversionRoot(), u"QvConv");
+  if (work.empty()) ThrowCode(codes::kCannotCreate);
+  const std::u16string out = work + u"/QvFormat";
+  if (platform::MakeDirectory(out) != platform::MakeDirResult::kCreated) {
+    ThrowCode(codes::kCannotCreate);
+  }
+  const std::u16string src = config.InputPath() + u"/QvFormat";
+
+  // The schedule names the time tables ...
+  std::vector<std::u16string> timetables;
+  {
+    fmt::QvFSchedule schedule = reader->readSchedule(src + u"/QvS.xml");
+    writer->outputSchedule(out + u"/" + writer->scheduleFileName(), schedule);
+    for (const fmt::QvFScheduleEntry& entry : schedule.schedule_list.schedules) {
+      AddOnce(timetables, entry.ref_timetable.text);
+    }
+  }
+
+  // ... the time tables name the programs ...
+  std::vector<std::u16string> programs;
+  for (const std::u16string& id : timetables) {
+    std::unique_ptr<fmt::QvFTimeTable> table = reader->readTimeTable(DocumentPath(src + u"/QvT", id));
+    writer->outputTimeTable(out + u"/" + writer->timetableFileName(id), *table);
+    for (const fmt::QvFTable& row : table->table_list.tables) {
+      // A command row names no program.
+      if (row.program && !row.program->ref_program.text.empty()) {
+        AddOnce(programs, row.program->ref_program.text);
+      }
+    }
+  }
+
+  // ... and the programs name their playlists, whose writing collects the
+  // content files.
+  io::csv::QvFNameMap content_names;
+  for (const std::u16string& id : programs) {
+    if (!IsPlainName(id)) ThrowCode(codes::kXmlUnreadable);
+    const std::u16string source = src + u"/QvP/" + id;
+    const std::u16string target = out + u"/" + writer->programFolderName(id);
+    MakeFolder(target);
+    MakeFolder(target + u"/" + QvFWriteCsv::informationFolderName());
+    std::unique_ptr<fmt::QvFProgram> program = reader->readProgram(DocumentPath(source, id));
+    writer->outputProgram(target + u"/" + QvFWriteCsv::programFileName(), *program);
+
+    // Panes fill the numbers 1 to 5 in their order; 0, 6 and 7 stay empty,
+    // and a sixth pane is dropped.
+    std::size_t next_pane = 0;
+    const auto& panes = program->pane_info.panes;
+    for (std::int32_t i = 0; i <= 7; ++i) {
+      if (i >= 1 && i <= 5 && next_pane < panes.size()) {
+        const std::u16string& ref = panes[next_pane++].playlist_file.ref_playlist.text;
+        fmt::QvFPlaylist playlist = reader->readPlaylist(DocumentPath(source, ref));
+        writer->outputPlaylistFile(i, target, &playlist, content_names);
+      } else {
+        writer->outputPlaylistFile(i, target, nullptr, content_names);
+      }
+    }
+  }
+
+  // Content files come last: their names are known only now.
+  MakeFolder(out + u"/" + QvFWriteCsv::contentsFolderName());
+  for (const auto& [id, name] : content_names) {
+    // A name that could lead out of the package or the project is left out.
+    if (!IsPlainName(name)) continue;
+    try {
+      CopyTree(src + u"/QvC/" + name, out + u"/" + QvFWriteCsv::contentsFolderName() + u"/" + name);
+    } catch (const std::exception&) {
+      ThrowCode(codes::kCopyFailed);
+    }
+  }
+
+  if (config.OutputArchive()) {
+    try {
+      PackFolder(out, config.OutputPath(), config.Compress());
+    } catch (const std::exception&) {
+      ThrowCode(codes::kPackFailed);
+    }
+  } else {
+    try {
+      CopyTree(out, config.OutputPath());
+    } catch (const std::exception&) {
+      ThrowCode(codes::kCopyFailed);
+    }
+    // Only an opened package is ours to remove; a folder that the caller
+    // named as input stays.
+    if (config.Unpackage()) DeleteTree(config.InputPath());
+  }
+
+  writer.reset();
+  reader.reset();
+  if (!work.empty()) DeleteTree(work);
+}
 
 }  // namespace quorvane::qvconv::converter

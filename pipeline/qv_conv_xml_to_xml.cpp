@@ -1,10 +1,137 @@
 #include "pipeline/qv_conv_xml_to_xml.h"
 
+#include <exception>
+#include <memory>
+#include <vector>
+
 #include "app/qv_conv_exception.h"
+#include "pipeline/package_names.h"
+#include "platform/file_system.h"
+#include "workspace/archive_tool.h"
+#include "workspace/file_tree.h"
+#include "workspace/work_folder.h"
+#include "xml/qvf_read_xml.h"
+#include "xml/qvf_write_xml.h"
+#include "xml/qvf_xml_document.h"
 
 namespace quorvane::qvconv::converter {
+namespace {
 
-// Not built yet: the run ends with the code of an unknown failure.
-void QvConvXmlToXml::Run() { ThrowCode(codes::kUnknownFailure); }
+namespace fmt = qvformat::format;
+using qvformat::format::io::xml::QvFReadXml;
+using qvformat::format::io::xml::QvFWriteXml;
+
+void MakeFolder(const std::u16string& path) {
+  if (platform::MakeDirectory(path) == platform::MakeDirResult::kFailed) {
+    ThrowCode(codes::kCannotCreate);
+  }
+}
+
+// The file name of an item's content: its reference and the extension of its
+// kind and type; none for a blank item or a type without an extension.
+std::u16string ContentFileName(const fmt::QvFContent& item) {
+  if (const fmt::QvFMovie* movie = fmt::AsMovie(&item)) {
+    return movie->ref_content.text + (movie->type == 0 ? u".mp4" : u"");
+  }
+  if (const fmt::QvFImage* image = fmt::AsImage(&item)) {
+    static constexpr const char16_t* kImageExtensions[] = {u".jpg", u".png", u".gif", u".bmp"};
+    const bool known = image->type >= 0 && image->type <= 3;
+    return image->ref_content.text + (known ? kImageExtensions[image->type] : u"");
+  }
+  if (const fmt::QvFTelop* telop = fmt::AsTelop(&item)) {
+    return telop->ref_content.text + (telop->type == 0 ? u".tlp" : u"");
+  }
+  return {};
+}
+
+}  // namespace
+
+void QvConvXmlToXml::Run() {
+  try {
+    Rewrite();
+  } catch (const std::exception&) {
+    ThrowCode(codes::kUnknownFailure);
+  }
+}
+
+void QvConvXmlToXml::Rewrite() {
+  qvformat::format::io::xml::QvFXmlLibrary xml_library;
+  auto reader = std::make_unique<QvFReadXml>(config.InputKind() == KindDebug);
+  auto writer = std::make_unique<QvFWriteXml>(config.OutputKind() == KindDebug);
+
+  const std::u16string work = MakeWorkFolder(config.WorkRoot(), u"QvConv");
+  if (work.empty()) ThrowCode(codes::kCannotCreate);
+  const std::u16string format = work + u"/QvFormat";
+  MakeFolder(format);
+  const std::u16string input = config.InputPath();
+
+  std::vector<std::u16string> timetables;
+  {
+    fmt::QvFSchedule schedule = reader->readSchedule(input + u"QvS.xml");
+    writer->outputSchedule(format + u"/QvS.xml", schedule);
+    for (const fmt::QvFScheduleEntry& entry : schedule.schedule_list.schedules) {
+      AddOnce(timetables, entry.ref_timetable.text);
+    }
+  }
+
+  MakeFolder(format + u"/QvT");
+  std::vector<std::u16string> programs;
+  for (const std::u16string& id : timetables) {
+    std::unique_ptr<fmt::QvFTimeTable> table = reader->readTimeTable(DocumentPath(input + u"QvT", id));
+    writer->outputTimeTable(format + u"/QvT/" + id + u".xml", *table);
+    for (const fmt::QvFTable& row : table->table_list.tables) {
+      if (row.program) AddOnce(programs, row.program->ref_program.text);
+    }
+  }
+
+  MakeFolder(format + u"/QvP");
+  std::vector<std::u16string> contents;
+  for (const std::u16string& id : programs) {
+    if (!IsPlainName(id)) ThrowCode(codes::kXmlUnreadable);
+    const std::u16string source = input + u"QvP/" + id;
+    const std::u16string target = format + u"/QvP/" + id;
+    MakeFolder(target);
+    std::unique_ptr<fmt::QvFProgram> program = reader->readProgram(DocumentPath(source, id));
+    writer->outputProgram(target + u"/" + id + u".xml", *program);
+    for (const fmt::QvFPane& pane : program->pane_info.panes) {
+      const std::u16string& ref = pane.playlist_file.ref_playlist.text;
+      fmt::QvFPlaylist playlist = reader->readPlaylist(DocumentPath(source, ref));
+      writer->outputPlaylist(target + u"/" + ref + u".xml", playlist);
+      for (const auto& item : playlist.contents) {
+        if (!item || fmt::AsNone(item.get())) continue;
+        AddOnce(contents, ContentFileName(*item));
+      }
+    }
+  }
+
+  MakeFolder(format + u"/QvC");
+  for (const std::u16string& name : contents) {
+    // A name that could lead out of the tree is left out, like a missing file.
+    if (!IsPlainName(name)) continue;
+    try {
+      CopyTree(input + u"/QvC/" + name, format + u"/QvC/" + name);
+    } catch (const std::exception&) {
+      ThrowCode(codes::kCopyFailed);
+    }
+  }
+
+  if (config.OutputArchive()) {
+    try {
+      PackFolder(format, config.OutputPath(), config.Compress());
+    } catch (const std::exception&) {
+      ThrowCode(codes::kPackFailed);
+    }
+  } else {
+    try {
+      CopyTree(format, config.OutputPath() + u"QvFormat");
+    } catch (const std::exception&) {
+      ThrowCode(codes::kCopyFailed);
+    }
+  }
+
+  writer.reset();
+  reader.reset();
+  DeleteTree(work);
+}
 
 }  // namespace quorvane::qvconv::converter
