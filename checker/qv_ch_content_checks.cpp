@@ -1,0 +1,285 @@
+// The checks of a contents file: the kind of the content by its extension,
+// the limits of a telop file, the background colour and the image effect.
+#include <cstddef>
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "checker/qv_ch_message.h"
+#include "checker/qv_ch_runner.h"
+#include "checker/qv_ch_text.h"
+#include "checker/qv_checker.h"
+#include "platform/file_system.h"
+#include "platform/text_codec.h"
+#include "workspace/project_path.h"
+#include "workspace/text_conversion.h"
+
+namespace quorvane::qvconv::checker {
+namespace {
+
+// A telop file converts one line at a time into a buffer of this many bytes
+// of UTF-8; a line that needs more keeps the whole characters that fit.
+constexpr std::size_t kConversionBuffer = 1024;
+// A telop file that is not UTF-16 is read in pieces of at most this many
+// bytes, so that a longer physical line counts as several lines.
+constexpr std::size_t kPieceBytes = kConversionBuffer - 1;
+// A text line longer than this many characters takes no part in the longest
+// line.
+constexpr std::size_t kMaxCountedLine = 1024;
+
+// What the telop tests read of a telop file.
+struct TelopText {
+  std::size_t lines = 0;              // lines read, the first two included
+  std::vector<std::string> parameters;  // fields of line 2, UTF-8
+  std::size_t longest_line = 0;         // M: characters of the longest text line
+};
+
+// UTF-8 of `text` cut to the whole characters that fit in the conversion
+// buffer.
+std::string Utf8InBuffer(std::u16string_view text) {
+  std::string utf8 = converter::Utf8FromWide(text);
+  if (utf8.size() <= kConversionBuffer) return utf8;
+  std::size_t end = kConversionBuffer;
+  while (end > 0 && (static_cast<unsigned char>(utf8[end]) & 0xC0) == 0x80) --end;
+  utf8.resize(end);
+  return utf8;
+}
+
+// Fields of the parameter line: none without a comma, n + 1 with n commas.
+std::vector<std::string> SplitParameters(const std::string& line) {
+  std::vector<std::string> fields;
+  if (line.find(',') == std::string::npos) return fields;
+  std::size_t start = 0;
+  while (true) {
+    const std::size_t comma = line.find(',', start);
+    if (comma == std::string::npos) {
+      fields.push_back(line.substr(start));
+      break;
+    }
+    fields.push_back(line.substr(start, comma - start));
+    start = comma + 1;
+  }
+  return fields;
+}
+
+// A line behind line 1, in UTF-8: line 2 holds the parameters, lines 3 and
+// on the text, which ends at `end_of_text`.
+void TakeLine(TelopText& telop, std::string utf8, char end_of_text) {
+  ++telop.lines;
+  if (telop.lines == 2) {
+    telop.parameters = SplitParameters(utf8);
+  } else {
+    const std::size_t end = utf8.find(end_of_text);
+    if (end != std::string::npos) utf8.resize(end);
+    const std::size_t length = CountUtf8Characters(utf8);
+    if (length <= kMaxCountedLine && length > telop.longest_line) telop.longest_line = length;
+  }
+}
+
+// Lines as a stream reads them: the last line needs no line end, and a file
+// that ends with one has no empty line behind it.
+template <typename Text, typename Take>
+void ForEachLine(const Text& text, typename Text::value_type end, std::size_t max_piece,
+                 Take take) {
+  std::size_t start = 0;
+  while (start < text.size()) {
+    std::size_t stop = text.find(end, start);
+    stop = stop == Text::npos ? text.size() : stop + 1;  // the line end belongs to the piece
+    if (stop - start > max_piece) stop = start + max_piece;
+    take(text.substr(start, stop - start));
+    start = stop;
+  }
+}
+
+TelopText ReadTelop(const std::u16string& path) {
+  const int mark = converter::ReadByteOrderMark(path);  // throws "cannot open file"
+  std::string bytes;
+  if (!platform::ReadFile(path, &bytes)) throw std::runtime_error("cannot open file");
+  TelopText telop;
+  if (mark == 1) {
+    // UTF-16 little-endian after its mark, lines ending in LF.
+    const std::u16string text = platform::Utf16FromUtf16Bytes(std::string_view(bytes).substr(2), false);
+    ForEachLine(text, u'\n', text.size(), [&](std::u16string line) {
+      if (telop.lines == 0) {
+        telop.lines = 1;  // line 1 is not read
+        return;
+      }
+      if (!line.empty() && line.back() == u'\n') line.pop_back();
+      TakeLine(telop, converter::Utf8FromWide(line), '\r');
+    });
+    return telop;
+  }
+  // Code page 932 text; a CR LF pair reads as one line end.
+  std::string text;
+  text.reserve(bytes.size());
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    if (bytes[i] == '\r' && i + 1 < bytes.size() && bytes[i + 1] == '\n') continue;
+    text.push_back(bytes[i]);
+  }
+  ForEachLine(text, '\n', kPieceBytes, [&](const std::string& piece) {
+    if (telop.lines == 0) {
+      telop.lines = 1;  // line 1 is not read
+      return;
+    }
+    TakeLine(telop, Utf8InBuffer(converter::WideFromCp932(piece)), '\n');
+  });
+  return telop;
+}
+
+// A parameter field taken as a number.
+double FieldNumber(const std::vector<std::string>& fields, std::size_t index) {
+  const std::string& field = fields.at(index);
+  std::u16string wide(field.begin(), field.end());
+  return static_cast<double>(ParseLong(wide));
+}
+
+// The extension of a content path: behind its last ".", empty without one.
+std::u16string ExtensionOf(const std::u16string& cell) {
+  const std::size_t dot = cell.rfind(u'.');
+  if (dot == std::u16string::npos) return std::u16string();
+  return cell.substr(dot + 1);
+}
+
+// Cuts a path at its last separator; a path without one stays as it is.
+void CutLastComponent(std::u16string& path) {
+  const std::size_t cut = path.find_last_of(u"/\\");
+  if (cut != std::u16string::npos) path.resize(cut);
+}
+
+bool StartsWithParentStep(const std::u16string& text) {
+  return text.size() >= 3 && text[0] == u'.' && text[1] == u'.' &&
+         (text[2] == u'\\' || text[2] == u'/');
+}
+
+}  // namespace
+
+std::u16string QvChRunner::telopPath(const std::u16string& cell) const {
+  std::u16string folder = file;
+  if (folder.size() > 1 && (folder.back() == u'\\' || folder.back() == u'/')) folder.pop_back();
+  std::u16string rest = cell;
+  if (!checker.check_only) {
+    if (!StartsWithParentStep(rest)) return converter::WithForwardSlashes(rest);
+    rest.erase(0, 3);
+    for (int i = 0; i < 3; ++i) CutLastComponent(folder);
+    return converter::JoinPath(folder, rest);
+  }
+  if (!StartsWithParentStep(rest)) return converter::WithForwardSlashes(rest);
+  for (int i = 0; i < 6; ++i) CutLastComponent(folder);
+  while (StartsWithParentStep(rest)) {
+    rest.erase(0, 3);
+    CutLastComponent(folder);
+  }
+  return converter::JoinPath(folder, rest);
+}
+
+bool QvChRunner::telopExceedsLimits(const std::u16string& path) {
+  const TelopText telop = ReadTelop(path);
+  const double font_size = FieldNumber(telop.parameters, 2);
+  if (font_size > 200) {
+    table.current.id = u"CI2300";
+    table.current.message_key = u"msg.CI2300";
+    return true;
+  }
+  const double mode = FieldNumber(telop.parameters, 7);
+  double length = font_size * 1.172 * static_cast<double>(telop.longest_line);
+  if (mode == 2 || mode == 4 || mode == 6 || mode == 8 || mode == 10) {
+    length = font_size * 1.172 * static_cast<double>(telop.longest_line) + font_size / 3.875118 + 12.0;
+  }
+  if (length >= 8192.0) {
+    table.current.id = u"CI2301";
+    table.current.message_key = u"msg.CI2301";
+    return true;
+  }
+  const double text_lines = static_cast<double>(telop.lines) - 2;
+  if (mode == 3 && font_size * 1.55 * text_lines >= 8192.0) {
+    table.current.id = u"CI2302";
+    table.current.message_key = u"msg.CI2302";
+    return true;
+  }
+  return false;
+}
+
+void QvChRunner::reportExtension(const std::u16string& extension) {
+  std::u16string text = QvChMessage::getMessage(table.current.message_key);
+  if (text.empty()) {
+    text = QvChMessage::getMessage(u"msg.CH0000");
+  } else {
+    text = ReplaceAll(text, u"$str$", u"." + extension);
+  }
+  if (table.current.id == u"CI0100") extension_reported = true;
+  checker.addResultText(table.current.id, table.current.is_error, table.current_pane,
+                        table.current_file, text);
+}
+
+void QvChRunner::CHECK_OK_EXT(const std::u16string& cell) {
+  if (cell.empty()) return;
+  // A URL has no extension to test.
+  if (cell.find(u"http://") != std::u16string::npos ||
+      cell.find(u"https://") != std::u16string::npos) {
+    return;
+  }
+  const std::u16string extension = ExtensionOf(cell);
+  if (extension.empty()) {
+    checker.addResult(table.current.id, table.current.is_error, table.current_pane,
+                      table.current_file, u"msg.CI0199");
+    return;
+  }
+  for (const std::u16string& allowed : table.ok_extensions) {
+    if (!EqualsIgnoreCase(allowed, extension)) continue;
+    if (extension != u"tlp") return;  // accepted; a telop in capitals is not opened
+    if (!telopExceedsLimits(telopPath(cell))) return;
+    break;
+  }
+  if (extension == u"exe") table.current.message_key = u"msg.CI0203";
+  if (extension == u"dcv") table.current.message_key = u"msg.CI0210";
+  reportExtension(extension);
+}
+
+void QvChRunner::CHECK_NG_EXT(const std::u16string& cell) {
+  if (cell.empty()) return;
+  const std::u16string extension = ExtensionOf(cell);
+  if (extension.empty()) {
+    checker.addResult(table.current.id, table.current.is_error, table.current_pane,
+                      table.current_file, u"msg.CI0199");
+    return;
+  }
+  for (const std::u16string& refused : table.ng_extensions) {
+    if (EqualsIgnoreCase(refused, extension)) {
+      reportExtension(extension);
+      return;
+    }
+  }
+}
+
+void QvChRunner::CHECK_COLOR(const std::u16string& cell) {
+  // An empty background colour is transparent.  This Result's id is the
+  // row's kind.
+  if (cell == table.current.argument) {
+    checker.addResult(table.current.kind, table.current.is_error, table.current_pane,
+                      table.current_file, table.current.message_key);
+  }
+}
+
+void QvChRunner::CHECK_EFFECT_KIND(const std::u16string& cell) {
+  if (cell.empty()) return;
+  const auto code = static_cast<std::uint32_t>(ParseLong(cell));
+  static constexpr std::uint32_t kByteMask[4] = {0xFFu, 0xFF00u, 0xFF0000u, 0xFF000000u};
+  for (const QvChEffectRow& effect : table.effect_rows) {
+    if (effect.byte_pattern[0].empty()) continue;
+    bool match = true;
+    for (int b = 0; b < 4 && match; ++b) {
+      const std::u16string& pattern = effect.byte_pattern[b];
+      if (pattern.empty()) continue;
+      const auto wanted = static_cast<std::uint32_t>(ParseHex(ReplaceAll(pattern, u"0x", u"")));
+      match = wanted == (code & kByteMask[b]);
+    }
+    if (match) {
+      checker.addResult(effect.id, effect.is_error, table.current_pane, table.current_file,
+                        effect.message_key);
+      return;
+    }
+  }
+}
+
+}  // namespace quorvane::qvconv::checker

@@ -1,0 +1,239 @@
+// The walk of one file and the operations on schedule dates, time table
+// times, numbers and presence.  The layout operations stand in
+// qv_ch_layout_checks.cpp, the content operations in qv_ch_content_checks.cpp.
+#include "checker/qv_ch_runner.h"
+
+#include <ctime>
+#include <exception>
+
+#include "app/qv_conv_exception.h"
+#include "checker/qv_ch_text.h"
+#include "checker/qv_checker.h"
+#include "csv/qv_csv_file.h"
+#include "model/qvf_text_forms.h"
+#include "platform/system_info.h"
+#include "workspace/text_conversion.h"
+
+namespace quorvane::qvconv::checker {
+
+using converter::QvConvException;
+using qvformat::format::ParseInt;
+
+namespace {
+
+// The pane of a data row: in a program file the row number less 2 (rows 0
+// and 1 have none), elsewhere none.
+int PaneOfRow(QvChFileKind kind, std::size_t row) {
+  if (kind != ChProgram || row < 2) return -1;
+  return static_cast<int>(row - 2);
+}
+
+}  // namespace
+
+void QvChRunner::reportRow(const QvChTable& row_table) {
+  checker.addResult(row_table.current.id, row_table.current.is_error, row_table.current_pane,
+                    row_table.current_file, row_table.current.message_key);
+}
+
+void QvChRunner::reportBadCell(const QvChTable& row_table, const std::u16string& message_key) {
+  checker.addResult(row_table.current.id, true, row_table.current_pane, row_table.current_file,
+                    message_key);
+}
+
+void QvChRunner::walkFile(QvChFileKind kind, const std::u16string& path) {
+  io::csv::QvCsvFile csv;
+  try {
+    csv.ReadFile(path);
+  } catch (QvConvException*) {
+    throw;
+  } catch (const std::exception&) {
+    converter::ThrowCode(converter::codes::kProjectFileBad);
+  }
+  file = path;
+  const std::vector<QvChTemplateRow> templates = table.templateOf(kind);
+  const std::size_t template_count = templates.size();
+  const std::size_t row_count = csv.RowCount();
+  if (row_count == 0) return;
+
+  // A contents file names its content in the first field; the findings of the
+  // file carry the content's file name.
+  std::u16string file_text;
+  if (kind == ChContentsInfo) {
+    const std::u16string first = csv.GetFirstField(0);
+    const std::size_t slash = first.rfind(u'\\');
+    if (slash != std::u16string::npos) file_text = first.substr(slash + 1);
+  }
+
+  const std::vector<QvChDataRow>& rows = csv.Rows();
+  const QvChDataRow no_row;
+  for (std::size_t t = 0; t < template_count; ++t) {
+    checkLine(templates[t], t < row_count ? rows[t] : no_row, file_text, PaneOfRow(kind, t));
+    if (t + 1 == template_count) {
+      for (std::size_t r = t + 1; r < row_count; ++r) {
+        checkLine(templates[t], rows[r], file_text, PaneOfRow(kind, r));
+      }
+    }
+  }
+}
+
+void QvChRunner::checkLine(const QvChTemplateRow& template_row, const QvChDataRow& data_row,
+                           const std::u16string& file_text, int pane) {
+  if (template_row.empty() || data_row.empty()) return;
+  for (std::size_t c = 0; c < template_row.size(); ++c) {
+    const std::u16string& cell = template_row[c];
+    if (cell.empty() || data_row.size() <= c) continue;
+    if (cell.find(u'/', 1) == std::u16string::npos) {
+      checkCell(cell, data_row, c, file_text, pane);
+      continue;
+    }
+    // Several ids, one after the other on the same data cell.
+    std::size_t start = 0;
+    while (true) {
+      const std::size_t slash = cell.find(u'/', start);
+      checkCell(cell.substr(start, slash == std::u16string::npos ? slash : slash - start),
+                data_row, c, file_text, pane);
+      if (slash == std::u16string::npos) break;
+      start = slash + 1;
+    }
+  }
+}
+
+void QvChRunner::checkCell(const std::u16string& id, const QvChDataRow& data_row,
+                           std::size_t column, const std::u16string& file_text, int pane) {
+  if (data_row.empty() || id.empty()) return;
+  try {
+    table.current_pane = pane;
+    table.selectRow(id);
+    table.current_file = file_text;
+    const std::u16string& kind = table.current.kind;
+    if (kind.empty()) return;
+    const std::u16string& cell = data_row.at(column);
+    if (kind == u"CHECK_DATE" || kind == u"CHECK_TIME") {
+      // Words of the dispatch that no row of the table uses.
+    } else if (kind == u"CHECK_OK_NUM") {
+      CHECK_OK_NUM(cell);
+    } else if (kind == u"CHECK_NG_NUM") {
+      CHECK_NG_NUM(cell);
+    } else if (kind == u"CHECK_EXIST_STR") {
+      CHECK_EXIST_STR(cell);
+    } else if (kind == u"CHECK_DISP_POSITION") {
+      CHECK_DISP_POSITION(cell);
+    } else if (kind == u"CHECK_DISP_SIZE") {
+      // The width row tests width and height together; the height row of the
+      // same frame has nothing left to do.
+      if (id == u"PG0501") {
+        const std::u16string height =
+            column + 1 < data_row.size() ? data_row[column + 1] : std::u16string();
+        CHECK_DISP_SIZE(cell, height, table);
+      }
+    } else if (kind == u"CHECK_SCHEDULE_DATE") {
+      CHECK_SCHEDULE_DATE(data_row);
+    } else if (kind == u"CHECK_TIMETABLE_TIME") {
+      CHECK_TIMETABLE_TIME(cell);
+    } else if (kind == u"CHECK_PANE_NO") {
+      CHECK_PANE_NO(data_row);
+    } else if (kind == u"CHECK_OK_EXT") {
+      CHECK_OK_EXT(cell);
+    } else if (kind == u"CHECK_NG_EXT") {
+      CHECK_NG_EXT(cell);
+    } else if (kind == u"CHECK_EFFECT_KIND") {
+      CHECK_EFFECT_KIND(cell);
+    } else if (kind == u"CHECK_COLOR") {
+      CHECK_COLOR(cell);
+    }
+  } catch (const std::exception&) {
+    throw QvConvException(converter::codes::kCheckFailed);
+  }
+}
+
+void QvChRunner::CHECK_OK_NUM(const std::u16string& cell) {
+  const std::u16string& argument = table.current.argument;
+  if (cell.empty() || argument.empty()) return;
+  try {
+    if (ParseInt(cell) != ParseInt(argument)) reportRow();
+  } catch (const std::exception&) {
+    reportBadCell(table, u"msg.NUMBER");
+  }
+}
+
+void QvChRunner::CHECK_NG_NUM(const std::u16string& cell) {
+  const std::u16string& argument = table.current.argument;
+  if (cell.empty() || argument.empty()) return;
+  if (!IsDigits(argument, false)) {
+    reportBadCell(table, u"msg.NUMBER");
+    converter::ThrowCode(converter::codes::kParameterFileBad);
+  }
+  try {
+    if (!extension_reported && ParseInt(cell) == ParseInt(argument)) reportRow();
+  } catch (const std::exception&) {
+    reportBadCell(table, u"msg.NUMBER");
+  }
+}
+
+void QvChRunner::CHECK_EXIST_STR(const std::u16string& cell) {
+  if (!cell.empty()) reportRow();
+}
+
+void QvChRunner::CHECK_SCHEDULE_DATE(const QvChDataRow& data_row) {
+  if (data_row.empty()) return;
+  try {
+    // An empty date is read as today's date, as the schedule reader takes it.
+    // A date that the form cannot read is bad data of the file.
+    const std::u16string& cell = data_row.at(0);
+    std::tm today = checker.localNow();
+    today.tm_hour = today.tm_min = today.tm_sec = 0;
+    today.tm_isdst = 0;
+    std::tm date = today;
+    if (!cell.empty()) {
+      int numbers[3] = {0, 0, 0};
+      if (ScanNumbers(cell, u'/', 4, 3, numbers) < 3) {
+        reportBadCell(table, u"msg.DATE");
+        return;
+      }
+      date = std::tm{};
+      date.tm_year = numbers[0] - 1900;
+      date.tm_mon = numbers[1] - 1;
+      date.tm_mday = numbers[2];
+      date.tm_isdst = 0;
+    }
+    const long long difference =
+        static_cast<long long>(std::difftime(std::mktime(&date), std::mktime(&today)));
+    if (difference < 0) {
+      reportRow();
+      return;
+    }
+    if (difference == 0) checker.today_timetable = data_row.at(1);
+  } catch (const std::exception&) {
+    reportBadCell(table, u"msg.DATE");
+  }
+}
+
+void QvChRunner::CHECK_TIMETABLE_TIME(const std::u16string& cell) {
+  if (cell.empty()) return;
+  try {
+    const std::u16string& today = checker.today_timetable;
+    if (today.empty()) return;
+    if (file.size() < today.size() || file.compare(file.size() - today.size(), today.size(), today) != 0) {
+      return;
+    }
+    // The cell as 8-bit text of at most 255 bytes, scanned into the hours,
+    // minutes and seconds of the current time.
+    std::tm moment = platform::LocalNow();
+    const std::string bytes = converter::Cp932FromWide(cell).substr(0, 255);
+    std::u16string narrow;
+    for (const char b : bytes) narrow.push_back(static_cast<unsigned char>(b));
+    int numbers[3] = {0, 0, 0};
+    const int read = ScanNumbers(narrow, u':', 2, 3, numbers);
+    if (read > 0) moment.tm_hour = numbers[0];
+    if (read > 1) moment.tm_min = numbers[1];
+    if (read > 2) moment.tm_sec = numbers[2];
+    std::tm now = checker.localNow();
+    const long long difference =
+        static_cast<long long>(std::difftime(std::mktime(&moment), std::mktime(&now)));
+    if (difference < 0) reportRow();
+  } catch (const std::exception&) {
+    reportBadCell(table, u"msg.TIME");
+  }
+}
+
+}  // namespace quorvane::qvconv::checker

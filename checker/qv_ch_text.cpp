@@ -1,0 +1,133 @@
+#include "checker/qv_ch_text.h"
+
+#include <cstdint>
+
+#include "model/qvf_text_forms.h"
+
+namespace quorvane::qvconv::checker {
+namespace {
+
+bool IsSpace(char16_t c) { return c == u' ' || (c >= u'\t' && c <= u'\r'); }
+bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
+
+int HexValue(char16_t c) {
+  if (c >= u'0' && c <= u'9') return c - u'0';
+  if (c >= u'a' && c <= u'f') return c - u'a' + 10;
+  if (c >= u'A' && c <= u'F') return c - u'A' + 10;
+  return -1;
+}
+
+}  // namespace
+
+int ScanNumbers(std::u16string_view text, char16_t separator, int width, int count,
+                int values[]) {
+  std::size_t pos = 0;
+  for (int i = 0; i < count; ++i) {
+    if (i > 0) {
+      if (pos >= text.size() || text[pos] != separator) return i;
+      ++pos;
+    }
+    while (pos < text.size() && IsSpace(text[pos])) ++pos;
+    int used = 0;
+    bool negative = false;
+    if (pos < text.size() && used < width && (text[pos] == u'+' || text[pos] == u'-')) {
+      negative = text[pos] == u'-';
+      ++pos;
+      ++used;
+    }
+    std::int64_t value = 0;
+    int digits = 0;
+    while (pos < text.size() && used < width && IsDigit(text[pos])) {
+      value = value * 10 + (text[pos] - u'0');
+      ++pos;
+      ++used;
+      ++digits;
+    }
+    if (digits == 0) return i;
+    // The width is small: no number of at most a few digits leaves int range.
+    values[i] = static_cast<int>(negative ? -value : value);
+  }
+  return count;
+}
+
+bool IsDigits(std::u16string_view text, bool allow_minus) {
+  if (text.empty()) return false;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (IsDigit(text[i])) continue;
+    if (allow_minus && i == 0 && text[i] == u'-') continue;
+    return false;
+  }
+  return true;
+}
+
+bool EqualsIgnoreCase(std::u16string_view a, std::u16string_view b) {
+  if (a.size() != b.size()) return false;
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    char16_t x = a[i];
+    char16_t y = b[i];
+    if (x >= u'A' && x <= u'Z') x = static_cast<char16_t>(x - u'A' + u'a');
+    if (y >= u'A' && y <= u'Z') y = static_cast<char16_t>(y - u'A' + u'a');
+    if (x != y) return false;
+  }
+  return true;
+}
+
+std::int32_t ParseHex(std::u16string_view text) {
+  std::size_t pos = 0;
+  while (pos < text.size() && IsSpace(text[pos])) ++pos;
+  bool negative = false;
+  if (pos < text.size() && (text[pos] == u'+' || text[pos] == u'-')) {
+    negative = text[pos] == u'-';
+    ++pos;
+  }
+  // "0x" is a prefix only when a hexadecimal digit follows it.
+  if (pos + 2 < text.size() && text[pos] == u'0' && (text[pos + 1] == u'x' || text[pos + 1] == u'X') &&
+      HexValue(text[pos + 2]) >= 0) {
+    pos += 2;
+  }
+  constexpr std::int64_t kLimit = 2147483648LL;
+  std::int64_t value = 0;
+  for (; pos < text.size() && HexValue(text[pos]) >= 0; ++pos) {
+    value = value * 16 + HexValue(text[pos]);
+    if (value > kLimit) value = kLimit;
+  }
+  if (negative) return static_cast<std::int32_t>(-value);
+  return value >= kLimit ? INT32_MAX : static_cast<std::int32_t>(value);
+}
+
+std::int32_t ParseLong(std::u16string_view text) { return qvformat::format::ParseInt(text); }
+
+std::size_t CountUtf8Characters(std::string_view text) {
+  std::size_t count = 0;
+  std::size_t pos = 0;
+  while (pos < text.size()) {
+    const auto lead = static_cast<unsigned char>(text[pos]);
+    std::size_t length = 1;
+    if (lead >= 0xC2 && lead <= 0xDF) {
+      length = 2;
+    } else if (lead >= 0xE0 && lead <= 0xEF) {
+      length = 3;
+    } else if (lead >= 0xF0 && lead <= 0xF7) {
+      length = 4;
+    } else if (lead >= 0xF8 && lead <= 0xFB) {
+      length = 5;
+    } else if (lead >= 0xFC && lead <= 0xFD) {
+      length = 6;
+    }
+    ++count;
+    pos += length;  // may step past the end: the loop then ends
+  }
+  return count;
+}
+
+std::u16string ReplaceAll(std::u16string text, std::u16string_view from, std::u16string_view to) {
+  if (from.empty()) return text;
+  std::size_t pos = 0;
+  while ((pos = text.find(from, pos)) != std::u16string::npos) {
+    text.replace(pos, from.size(), to);
+    pos += to.size();
+  }
+  return text;
+}
+
+}  // namespace quorvane::qvconv::checker

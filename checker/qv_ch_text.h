@@ -1,0 +1,46 @@
+// Small text operations of the checks: the scans and number forms that the
+// cells of a project file are judged by.  White space means the ASCII set
+// " \t\n\v\f\r"; a digit is one of the ten ASCII digits.
+#ifndef QV_CHECKER_QV_CH_TEXT_H_
+#define QV_CHECKER_QV_CH_TEXT_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace quorvane::qvconv::checker {
+
+// Scans `count` numbers of the form "%<width>d" separated by `separator`, as
+// the runtime's scan functions do (white space before a number is skipped and
+// does not count to the width; a sign does).  Returns how many numbers were
+// read; values[i] is set only for those.
+int ScanNumbers(std::u16string_view text, char16_t separator, int width, int count,
+                int values[]);
+
+// Every character a digit; with `allow_minus` the first may be "-".  Empty
+// text is no number.
+bool IsDigits(std::u16string_view text, bool allow_minus);
+
+// Equal without regard to the case of ASCII letters.
+bool EqualsIgnoreCase(std::u16string_view a, std::u16string_view b);
+
+// As wcstol base 16: white space, a sign and a "0x" are taken, reading stops
+// at the first other character; clamped to the 32-bit range.
+std::int32_t ParseHex(std::u16string_view text);
+
+// As _wtol: decimal, clamped to the 32-bit range.
+std::int32_t ParseLong(std::u16string_view text);
+
+// Characters of UTF-8 text, counted by lead bytes.  A byte that leads no
+// sequence counts as one character; a sequence cut short by the end of the
+// text counts as one.  Ends on any input.
+std::size_t CountUtf8Characters(std::string_view text);
+
+// Every `from` replaced by `to`, left to right, going on behind the inserted
+// text.
+std::u16string ReplaceAll(std::u16string text, std::u16string_view from, std::u16string_view to);
+
+}  // namespace quorvane::qvconv::checker
+
+#endif  // QV_CHECKER_QV_CH_TEXT_H_

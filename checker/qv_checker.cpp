@@ -1,0 +1,112 @@
+#include "checker/qv_checker.h"
+
+#include <exception>
+
+#include "app/qv_conv_exception.h"
+#include "checker/qv_ch_message.h"
+#include "checker/qv_ch_runner.h"
+#include "platform/system_info.h"
+
+namespace quorvane::qvconv::checker {
+
+using converter::QvConvException;
+using qvformat::format::io::xml::QvFXmlDocument;
+
+QvChecker::QvChecker() : report(std::make_unique<QvFXmlDocument>()) {}
+
+QvChecker::~QvChecker() = default;
+
+void QvChecker::createReport() {
+  report->createDocument();
+  xercesc::DOMElement* root = report->appendElement(nullptr, u"QvConvCheck");
+  report->addAttribute(root, u"version", u"1.0");
+  report->addAttribute(root, u"language", u"ja");
+  xercesc::DOMElement* info = report->appendElement(root, u"CheckInfo");
+  xercesc::DOMElement* checker = report->appendElement(info, u"Checker");
+  report->addAttribute(checker, u"version", u"1.0");
+  check_file_info = report->appendElement(info, u"CheckFileInfo");
+  check_result = report->appendElement(root, u"CheckResult");
+}
+
+void QvChecker::setSource(const std::u16string& path) {
+  report->addAttribute(check_file_info, u"src", path);
+}
+
+void QvChecker::addCheckFile(const std::u16string& path) {
+  xercesc::DOMElement* element = report->appendElement(check_file_info, u"CheckFile");
+  report->addAttribute(element, u"src", path);
+}
+
+void QvChecker::beginCheckData(QvChFileKind kind, const std::u16string& path) {
+  check_data = report->appendElement(check_result, u"CheckData");
+  report->addAttribute(check_data, u"kind", kindName(kind));
+  report->addAttribute(check_data, u"src", path);
+}
+
+void QvChecker::addResult(const std::u16string& id, bool is_error, int pane,
+                          const std::u16string& file, const std::u16string& message_key) {
+  std::u16string text = QvChMessage::getMessage(message_key);
+  if (text.empty()) text = QvChMessage::getMessage(u"msg.CH0000");
+  addResultText(id, is_error, pane, file, text);
+}
+
+void QvChecker::addResultText(const std::u16string& id, bool is_error, int pane,
+                              const std::u16string& file, const std::u16string& message) {
+  xercesc::DOMElement* result = report->appendElement(check_data, u"Result");
+  report->addAttribute(result, u"id", id);
+  report->addAttribute(result, u"kind", is_error ? u"E" : u"W");
+  const int shown = pane_override >= 0 ? pane_override : pane;
+  if (shown >= 0) {
+    const std::string digits = std::to_string(shown);
+    report->addAttribute(result, u"pane", std::u16string(digits.begin(), digits.end()));
+  }
+  report->addAttribute(result, u"file", file);
+  report->appendText(result, message);
+  has_result = true;
+  if (is_error) has_error = true;
+}
+
+void QvChecker::checkFile(QvChFileKind kind, const std::u16string& path) {
+  addCheckFile(path);
+  beginCheckData(kind, path);
+  QvChRunner runner(*this);
+  runner.table.buildTable();
+  runner.walkFile(kind, path);
+}
+
+void QvChecker::writeReport(const std::u16string& path) {
+  try {
+    report->serialize(path, true);
+  } catch (QvConvException*) {
+    throw;
+  } catch (const std::exception&) {
+    converter::ThrowCode(converter::codes::kReportNotWritten);
+  }
+}
+
+std::tm QvChecker::localNow() {
+  clock = platform::LocalNow();
+  return clock;
+}
+
+std::u16string QvChecker::kindName(QvChFileKind kind) {
+  switch (kind) {
+    case ChSchedule:
+      return u"schedule";
+    case ChTimeTable:
+      return u"timetable";
+    case ChInterrupt:
+      return u"interrupt";
+    case ChProgram:
+      return u"program";
+    case ChPlaylist:
+      return u"playlist";
+    case ChContentsInfo:
+      return u"contentsinfo";
+    case ChContents:
+      return u"contents";
+  }
+  return std::u16string();
+}
+
+}  // namespace quorvane::qvconv::checker

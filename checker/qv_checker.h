@@ -1,0 +1,93 @@
+// QvChecker: the check report of one run and the state that the checks share.
+//
+// The CSV to XML pipeline derives from it.  It begins the report with
+// createReport and setSource, hands every project file to checkFile (which
+// walks it against its column template and adds a Result for each finding),
+// and at the end saves the report with writeReport when has_result is set.
+// has_error tells whether a finding was an error.
+//
+// The report, element by element:
+//   QvConvCheck version="1.0" language="ja"      ("ja" whatever the messages)
+//     CheckInfo
+//       Checker version="1.0"
+//       CheckFileInfo src=<input path>
+//         CheckFile src=<file>                   one per checked file
+//     CheckResult
+//       CheckData kind=<kindName> src=<file>     one per checked file
+//         Result id kind [pane] [file]           one per finding; text = message
+// An attribute with an empty value is not written.
+#ifndef QV_CHECKER_QV_CHECKER_H_
+#define QV_CHECKER_QV_CHECKER_H_
+
+#include <ctime>
+#include <memory>
+#include <string>
+
+#include "app/qv_conv_run_config.h"
+#include "checker/qv_ch_file_kind.h"
+#include "xml/qvf_xml_document.h"
+
+namespace quorvane::qvconv::checker {
+
+class QvChecker {
+ public:
+  QvChecker();
+  // Releases the report document.
+  ~QvChecker();
+  QvChecker(const QvChecker&) = delete;
+  QvChecker& operator=(const QvChecker&) = delete;
+
+  // Makes the report document with its fixed frame (root, CheckInfo, Checker,
+  // CheckFileInfo without src, CheckResult).
+  void createReport();
+  // Sets src of CheckFileInfo: the run's input path.
+  void setSource(const std::u16string& path);
+  // Appends a CheckFile for `path`.
+  void addCheckFile(const std::u16string& path);
+  // Appends a CheckData for `path`; it takes the Results that follow.
+  void beginCheckData(QvChFileKind kind, const std::u16string& path);
+
+  // Adds a Result with the text of `message_key` in the user's language (the
+  // text of "msg.CH0000" when the key has none).
+  void addResult(const std::u16string& id, bool is_error, int pane, const std::u16string& file,
+                 const std::u16string& message_key);
+  // Adds a Result with the given text.  Its pane is pane_override when that
+  // is not negative, else `pane` when that is not negative, else none.
+  void addResultText(const std::u16string& id, bool is_error, int pane,
+                     const std::u16string& file, const std::u16string& message);
+
+  // Checks one project file: a CheckFile, a CheckData, and the walk of the
+  // file against the template of its kind.  Throws QvConvException pointers
+  // -101/-102 when the file cannot be read as CSV, and a QvConvException BY
+  // VALUE with -500 when a check fails unexpectedly (an unreadable telop file,
+  // a pane line too short to test).
+  void checkFile(QvChFileKind kind, const std::u16string& path);
+
+  // Saves the report, pretty printed.  A standard exception becomes a
+  // QvConvException pointer -502; a QvConvException pointer passes.
+  void writeReport(const std::u16string& path);
+
+  // Reads the local time into `clock` and returns it.
+  std::tm localNow();
+
+  // "schedule", "timetable", "interrupt", "program", "playlist",
+  // "contentsinfo", "contents"; empty text for any other value.
+  static std::u16string kindName(QvChFileKind kind);
+
+  std::unique_ptr<qvformat::format::io::xml::QvFXmlDocument> report;
+  xercesc::DOMElement* check_file_info = nullptr;
+  xercesc::DOMElement* check_result = nullptr;
+  xercesc::DOMElement* check_data = nullptr;
+  bool has_result = false;  // a Result was added; never cleared
+  bool has_error = false;   // a Result of kind "E" was added; never cleared
+  converter::QvConvDisplayRegion display_region;  // the target's display limits
+  std::tm clock{};                                  // the local time last read
+  std::u16string today_timetable;  // time table of the schedule entry for today
+  int pane_override = -1;          // pane number that goes before the row's own
+  std::u16string message_class = u"quorvane.qvconv.checker.QvChMessage";
+  bool check_only = false;  // the run writes no conversion result
+};
+
+}  // namespace quorvane::qvconv::checker
+
+#endif  // QV_CHECKER_QV_CHECKER_H_
