@@ -2,38 +2,16 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <string>
 
 #include "tests/support/test_support.h"
+#include "tests/workspace/env_override.h"
 
 namespace {
 
 using quorvane::qvconv::converter::MakeWorkFolder;
 using qvtest::U16;
 using qvtest::U8;
-
-// Points the temporary folder at a scratch folder for the test's lifetime.
-class TempDirOverride {
- public:
-  explicit TempDirOverride(const std::string& dir) {
-    const char* old = std::getenv("TMPDIR");
-    had_old_ = old != nullptr;
-    if (had_old_) old_ = old;
-    ::setenv("TMPDIR", dir.c_str(), 1);
-  }
-  ~TempDirOverride() {
-    if (had_old_) {
-      ::setenv("TMPDIR", old_.c_str(), 1);
-    } else {
-      ::unsetenv("TMPDIR");
-    }
-  }
-
- private:
-  bool had_old_ = false;
-  std::string old_;
-};
 
 bool IsDigits(const std::string& s) {
   for (char c : s) {
@@ -44,7 +22,7 @@ bool IsDigits(const std::string& s) {
 
 TEST(WorkFolder, BelowTempGetsTimeAndUuidName) {
   qvtest::ScratchDir scratch;
-  TempDirOverride temp(scratch.path());
+  qvtest::EnvOverride temp("TMPDIR", scratch.path());
 
   const std::string first = U8(MakeWorkFolder(u"", u"QvConv"));
   const std::string second = U8(MakeWorkFolder(u"", u"QvConv"));

@@ -1,0 +1,178 @@
+#include "workspace/archive_tool.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+
+#include <string>
+#include <vector>
+
+#include "app/qv_conv_exception.h"
+#include "tests/support/test_support.h"
+#include "tests/workspace/env_override.h"
+#include "workspace/qv_conv_package_input.h"
+
+namespace {
+
+using namespace quorvane::qvconv::converter;
+using qvtest::U16;
+
+int CodeOf(void (*action)(const std::string&, const std::string&), const std::string& a,
+           const std::string& b) {
+  try {
+    action(a, b);
+  } catch (QvConvException* failure) {
+    const int code = failure->code();
+    delete failure;
+    return code;
+  }
+  return 0;
+}
+
+class ArchiveTool : public testing::Test {
+ protected:
+  ArchiveTool() : temp_("TMPDIR", scratch_.Sub("tmp")) { qvtest::MakeDirs(scratch_.Sub("tmp")); }
+
+  // A package as a conversion leaves it: the folder QvFormat packed by name.
+  std::string MakePackage(const std::string& name) {
+    const std::string work = scratch_.Sub("work_" + name);
+    qvtest::WriteFile(work + "/QvFormat/QvS.xml", "<s/>");
+    qvtest::WriteFile(work + "/QvFormat/QvT/TM1.xml", "<t/>");
+    const std::string zip = scratch_.Sub(name);
+    PackFolder(U16(work + "/QvFormat"), U16(zip), false);
+    return zip;
+  }
+
+  std::string MakePlain(const std::string& name, const std::string& inner) {
+    const std::string folder = scratch_.Sub("plain_" + name);
+    qvtest::WriteFile(folder + "/" + inner, "plain");
+    const std::string zip = scratch_.Sub(name);
+    qvtest::ZipFolderContents(folder, zip);
+    return zip;
+  }
+
+  // Probes, then empties the probe folder as the package input does.
+  bool Probe(const std::string& zip) {
+    const bool answer = ProbeArchive(U16(zip));
+    qvtest::RemoveAll(scratch_.Sub("tmp/chktemp"));
+    return answer;
+  }
+
+  qvtest::ScratchDir scratch_;
+  qvtest::EnvOverride temp_;
+};
+
+TEST_F(ArchiveTool, PackStoresTheFolderByItsNameAndAddsToAnExistingZip) {
+  const std::string zip = MakePackage("p.zip");
+  const std::vector<std::string> members = qvtest::ZipMembers(zip);
+  EXPECT_NE(std::find(members.begin(), members.end(), "QvFormat/QvS.xml"), members.end());
+  EXPECT_NE(std::find(members.begin(), members.end(), "QvFormat/QvT/TM1.xml"), members.end());
+
+  const std::string more = scratch_.Sub("more/QvFormat");
+  qvtest::WriteFile(more + "/QvP/PG1.xml", "<p/>");
+  PackFolder(U16(more), U16(zip), false);
+  const std::vector<std::string> after = qvtest::ZipMembers(zip);
+  EXPECT_NE(std::find(after.begin(), after.end(), "QvFormat/QvS.xml"), after.end());
+  EXPECT_NE(std::find(after.begin(), after.end(), "QvFormat/QvP/PG1.xml"), after.end());
+}
+
+TEST_F(ArchiveTool, ProbeTellsPackagesFromPlainArchives) {
+  EXPECT_TRUE(Probe(MakePackage("p.zip")));
+  EXPECT_FALSE(Probe(MakePlain("q.zip", "QvFormat/other.xml")));
+  EXPECT_FALSE(Probe(MakePlain("r.zip", "sub/QvFormat/QvS.xml")));
+  EXPECT_FALSE(Probe(scratch_.Sub("missing.zip")));
+  // A folder named like the marker file is no package.
+  EXPECT_FALSE(Probe(MakePlain("s.zip", "QvFormat/QvS.xml/inner.txt")));
+}
+
+TEST_F(ArchiveTool, UnpackEmptiesTheDestinationFirst) {
+  const std::string zip = MakePlain("q.zip", "dir/file.txt");
+  const std::string dest = scratch_.Sub("dest");
+  qvtest::WriteFile(dest + "/old.txt", "old");
+  UnpackArchive(U16(zip), U16(dest));
+  EXPECT_EQ(qvtest::ReadFile(dest + "/dir/file.txt"), "plain");
+  EXPECT_FALSE(qvtest::Exists(dest + "/old.txt"));
+
+  // Not an archive: the destination is gone and nothing is reported.
+  qvtest::WriteFile(scratch_.Sub("not.zip"), "not an archive");
+  UnpackArchive(U16(scratch_.Sub("not.zip")), U16(dest));
+  EXPECT_FALSE(qvtest::Exists(dest));
+}
+
+TEST_F(ArchiveTool, PathsThatLookLikeSwitchesStayPaths) {
+  qvtest::WriteFile(scratch_.Sub("-work/QvFormat/QvS.xml"), "<s/>");
+  const std::string zip = "-p.zip";  // relative to the current folder
+  const std::string here = scratch_.path();
+  std::string old(4096, '\0');
+  ASSERT_NE(::getcwd(old.data(), old.size()), nullptr);
+  ASSERT_EQ(::chdir(here.c_str()), 0);
+  PackFolder(u"-work/QvFormat", U16(zip), false);
+  const bool package = Probe(zip);
+  ASSERT_EQ(::chdir(old.c_str()), 0);
+  EXPECT_TRUE(package);
+}
+
+TEST_F(ArchiveTool, MissingToolIsAFailureCode) {
+  const std::string zip = MakePackage("p.zip");
+  const std::string dest = scratch_.Sub("dest");
+  qvtest::WriteFile(dest + "/keep.txt", "keep");
+  qvtest::EnvOverride path("PATH", scratch_.Sub("no_tools"));
+
+  EXPECT_EQ(CodeOf([](const std::string& a, const std::string& b) { PackFolder(U16(a), U16(b), false); },
+                   scratch_.Sub("work_p.zip/QvFormat"), scratch_.Sub("new.zip")),
+            -401);
+  EXPECT_EQ(CodeOf([](const std::string& a, const std::string&) { ProbeArchive(U16(a)); }, zip, ""),
+            -402);
+  EXPECT_EQ(qvtest::ReadFile(dest + "/keep.txt"), "keep");
+}
+
+TEST_F(ArchiveTool, PackageInputSwitchesTheConfigurationForAPackage) {
+  const std::string zip = MakePackage("p.zip");
+  QvConvRunConfig config(U16(zip), U16(scratch_.Sub("out")), u"");
+  config.SetUnpackage(true);
+  {
+    QvConvPackageInput input(config);
+    EXPECT_TRUE(input.IsXmlPackage());
+    EXPECT_FALSE(qvtest::Exists(scratch_.Sub("tmp/chktemp")));
+    input.Unpack();
+    EXPECT_TRUE(input.IsXmlPackage());
+  }
+  const std::string tmp = scratch_.Sub("tmp/");
+  EXPECT_EQ(config.InputKind(), KindCompact);
+  EXPECT_EQ(config.OutputKind(), KindProject);
+  EXPECT_EQ(qvtest::U8(config.InputPath()), tmp + "unzip");
+  EXPECT_EQ(qvtest::U8(config.ConversionRoot()), tmp + "conv");
+  EXPECT_FALSE(config.OutputArchive());
+  EXPECT_EQ(qvtest::U8(config.OutputPath()), scratch_.Sub("out"));
+  EXPECT_EQ(qvtest::ReadFile(tmp + "unzip/QvFormat/QvS.xml"), "<s/>");
+  EXPECT_TRUE(qvtest::IsDir(tmp + "conv"));
+  EXPECT_FALSE(qvtest::Exists(scratch_.Sub("out")));
+}
+
+TEST_F(ArchiveTool, PackageInputExtractsAPlainArchiveIntoTheOutput) {
+  const std::string zip = MakePlain("q.zip", "a/b.txt");
+  QvConvRunConfig config(U16(zip), U16(scratch_.Sub("out")), u"");
+  config.SetWorkRoot(U16(scratch_.Sub("root/")));
+  QvConvPackageInput input(config);
+  EXPECT_FALSE(input.IsXmlPackage());
+  input.Unpack();
+  EXPECT_EQ(qvtest::ReadFile(scratch_.Sub("out/a/b.txt")), "plain");
+  EXPECT_EQ(qvtest::U8(input.UnzipFolder()), scratch_.Sub("root/unzip"));
+  EXPECT_FALSE(qvtest::Exists(scratch_.Sub("root")));
+  EXPECT_EQ(config.InputKind(), KindProject);
+  EXPECT_EQ(qvtest::U8(config.InputPath()), zip);
+
+  QvConvRunConfig nowhere(U16(zip), u"", u"");
+  QvConvPackageInput no_destination(nowhere);
+  no_destination.IsXmlPackage();
+  try {
+    no_destination.Unpack();
+    ADD_FAILURE();
+  } catch (QvConvException* failure) {
+    EXPECT_EQ(failure->code(), -1);
+    delete failure;
+  }
+}
+
+}  // namespace
