@@ -1,0 +1,60 @@
+#include "pipeline/package_names.h"
+#include "pipeline/telop_copy.h"
+#include "tests/support/test_support.h"
+
+namespace quorvane::qvconv::converter {
+namespace {
+
+using qvtest::Cp932;
+using qvtest::U16;
+
+TEST(TelopRecoding, Cp932AndUnmarkedTextBecomeUtf8) {
+  EXPECT_EQ(TelopAsUtf8(Cp932("お知らせ\r\n本日休業\r\n"), 0), "お知らせ\r\n本日休業\r\n");
+  EXPECT_EQ(TelopAsUtf8("", 0), "");
+  // A UTF-8 mark is not honoured: the file is read as code page 932.
+  EXPECT_NE(TelopAsUtf8("\xEF\xBB\xBF" "abc", 3), "abc");
+  // Big-endian UTF-16 is read as code page 932 too: its zero bytes stay.
+  EXPECT_EQ(TelopAsUtf8(std::string("\xFE\xFF\x00" "a", 4).substr(2), 2), std::string("\0a", 2));
+}
+
+TEST(TelopRecoding, LittleEndianUtf16DropsItsMarkAndLineFeeds) {
+  const std::string le("\xFF\xFE" "a\0\r\0\n\0\x42\x30\n\0", 12);
+  EXPECT_EQ(TelopAsUtf8(le, 1), "a\r\xE3\x81\x82");
+  // Reading ends at a character beyond the basic plane.
+  const std::string surrogate("\xFF\xFE" "x\0\x3D\xD8\x00\xDE" "y\0", 10);
+  EXPECT_EQ(TelopAsUtf8(surrogate, 1), "x");
+  // An odd last byte is no character.
+  EXPECT_EQ(TelopAsUtf8(std::string("\xFF\xFE" "z\0!", 5), 1), "z");
+}
+
+TEST(TelopRecoding, CopyWritesUtf8AndFailsLoudlyOnlyWhereItMust) {
+  qvtest::ScratchDir dir;
+  qvtest::WriteFile(dir.Sub("t.tlp"), Cp932("速報"));
+  CopyTelopAsText(U16(dir.Sub("t.tlp")), U16(dir.Sub("CT1.tlp")));
+  EXPECT_EQ(qvtest::ReadFile(dir.Sub("CT1.tlp")), "速報");
+  // No source: the mark cannot be read, which is a failed copy.
+  EXPECT_THROW(CopyTelopAsText(U16(dir.Sub("missing.tlp")), U16(dir.Sub("x.tlp"))), std::runtime_error);
+  // A target that cannot be made is passed over; one that fills up is not.
+  EXPECT_NO_THROW(CopyTelopAsText(U16(dir.Sub("t.tlp")), U16(dir.Sub("no/such/x.tlp"))));
+  EXPECT_THROW(CopyTelopAsText(U16(dir.Sub("t.tlp")), u"/dev/full"), std::runtime_error);
+}
+
+TEST(PackageNames, OnlyPlainNamesBecomePaths) {
+  EXPECT_TRUE(IsPlainName(u"TM1"));
+  EXPECT_TRUE(IsPlainName(u"CT1.mp4"));
+  EXPECT_TRUE(IsPlainName(u"..x"));
+  for (const char16_t* bad : {u"", u".", u"..", u"../x", u"a/b", u"a\\b", u"..\\..\\etc"}) {
+    EXPECT_FALSE(IsPlainName(bad)) << qvtest::U8(bad);
+  }
+  EXPECT_FALSE(IsPlainName(std::u16string(u"a\0b", 3)));
+  EXPECT_EQ(DocumentPath(u"/p/QvT", u"TM1"), u"/p/QvT/TM1.xml");
+}
+
+TEST(PackageNames, AddOnceKeepsFirstReferenceOrder) {
+  std::vector<std::u16string> list;
+  for (const char16_t* id : {u"TM2", u"TM1", u"TM2", u"", u"TM1", u""}) AddOnce(list, id);
+  EXPECT_EQ(list, (std::vector<std::u16string>{u"TM2", u"TM1", u""}));
+}
+
+}  // namespace
+}  // namespace quorvane::qvconv::converter
