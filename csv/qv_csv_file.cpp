@@ -79,6 +79,9 @@ void QvCsvFile::ReadFile(const std::u16string& path) {
 }
 
 void QvCsvFile::ReadBytes(std::string_view bytes) {
+  // Read as text: a Ctrl-Z byte marks the end of the file.  It is never part
+  // of a double-byte character of code page 932.
+  bytes = bytes.substr(0, bytes.find('\x1a'));
   std::vector<Row> rows;
   std::size_t pos = 0;
   while (pos < bytes.size()) {

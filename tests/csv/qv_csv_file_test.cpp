@@ -61,6 +61,8 @@ TEST(CsvFileSyntax, LineEndsAndNulBytes) {
   EXPECT_EQ(Parse("").RowCount(), 0u);
   EXPECT_EQ(Parse("last").RowCount(), 1u);
   EXPECT_EQ(Parse(std::string("ab\0c,d\nnext", 11)).GetRow(0), Fields({"ab"}));
+  EXPECT_EQ(Parse("a\r\nb\r\n\x1a").RowCount(), 2u);  // an end-of-file mark ends the text
+  EXPECT_EQ(Parse("a\x1a,b\nc").GetRow(0), Fields({"a"}));
 }
 
 TEST(CsvFileSyntax, LineLimitEndsTheReadSilently) {
