@@ -4,7 +4,9 @@
 
 #include <xercesc/framework/MemBufFormatTarget.hpp>
 #include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/validators/DTD/DTDEntityDecl.hpp>
 #include <xercesc/util/XMLEntityResolver.hpp>
 #include <xercesc/util/XMLException.hpp>
 #include <xercesc/util/XMLResourceIdentifier.hpp>
@@ -45,6 +47,50 @@ class RefusingEntityResolver : public xercesc::XMLEntityResolver {
 
 namespace {
 
+// Elements nested deeper than this make a file unreadable.  Scenario
+// documents nest five deep at most; the bound keeps a hostile file from
+// costing time that grows with the square of its depth.
+constexpr int kMaxElementDepth = 256;
+
+// Entity expansion is bounded twice over: the security manager counts the
+// expansions, and no entity may stand for more than this many characters, so
+// that a few references to one big entity cannot fill the memory either.
+constexpr XMLSize_t kMaxEntityExpansions = 10000;
+constexpr XMLSize_t kMaxEntityValueLength = 4096;
+
+struct ParseLimitReached {};
+
+// The DOM parser with bounds on the nesting of elements and on the size of
+// entities.
+class BoundedDOMParser : public xercesc::XercesDOMParser {
+ public:
+  BoundedDOMParser() : xercesc::XercesDOMParser(nullptr, XMLPlatformUtils::fgMemoryManager, nullptr) {}
+
+  void startElement(const xercesc::XMLElementDecl& decl, const unsigned int url_id,
+                    const XMLCh* const prefix, const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
+                    const XMLSize_t attribute_count, const bool is_empty, const bool is_root) override {
+    if (is_root) depth_ = 0;
+    if (!is_empty && ++depth_ > kMaxElementDepth) throw ParseLimitReached();
+    xercesc::XercesDOMParser::startElement(decl, url_id, prefix, attributes, attribute_count,
+                                           is_empty, is_root);
+  }
+
+  void endElement(const xercesc::XMLElementDecl& decl, const unsigned int url_id, const bool is_root,
+                  const XMLCh* const prefix) override {
+    if (depth_ > 0) --depth_;
+    xercesc::XercesDOMParser::endElement(decl, url_id, is_root, prefix);
+  }
+
+  void entityDecl(const xercesc::DTDEntityDecl& decl, const bool is_parameter,
+                  const bool is_ignored) override {
+    if (decl.getValueLen() > kMaxEntityValueLength) throw ParseLimitReached();
+    xercesc::XercesDOMParser::entityDecl(decl, is_parameter, is_ignored);
+  }
+
+ private:
+  int depth_ = 0;
+};
+
 // Starts the library once more.  A failure is told on standard error when
 // asked for; the library's message is made readable without the library.
 bool InitializeLibrary(bool report_failure) {
@@ -65,6 +111,15 @@ bool InitializeLibrary(bool report_failure) {
 xercesc::DOMImplementation* CoreImplementation() {
   static const XMLCh kCore[] = u"Core";
   return xercesc::DOMImplementationRegistry::getDOMImplementation(kCore);
+}
+
+// A library exception lives on the library's memory and must not outlive the
+// holder that may shut the library down while the exception travels; it goes
+// up as a standard exception with its message copied.
+[[noreturn]] void ThrowLibraryFailure(const XMLCh* message) {
+  std::string text = "XML library failure";
+  if (message != nullptr) text += ": " + platform::Utf8FromUtf16(message);
+  throw std::runtime_error(text);
 }
 
 // Releases a library object that has release() rather than a destructor.
@@ -138,8 +193,7 @@ void QvFXmlDocument::parse(const std::u16string& path) {
 
   try {
     if (!parser_) {
-      parser_ = std::make_unique<xercesc::XercesDOMParser>(nullptr, XMLPlatformUtils::fgMemoryManager,
-                                                           nullptr);
+      parser_ = std::make_unique<BoundedDOMParser>();
     }
     parser_->setValidationScheme(xercesc::XercesDOMParser::Val_Always);
     parser_->setDoNamespaces(true);
@@ -149,7 +203,10 @@ void QvFXmlDocument::parse(const std::u16string& path) {
     // Untrusted input: no external resource is loaded, entity expansion has
     // a ceiling.
     if (!resolver_) resolver_ = std::make_unique<RefusingEntityResolver>();
-    if (!security_) security_ = std::make_unique<xercesc::SecurityManager>();
+    if (!security_) {
+      security_ = std::make_unique<xercesc::SecurityManager>();
+      security_->setEntityExpansionLimit(kMaxEntityExpansions);
+    }
     parser_->setXMLEntityResolver(resolver_.get());
     parser_->setDisableDefaultEntityResolution(true);
     parser_->setLoadExternalDTD(false);
@@ -163,8 +220,9 @@ void QvFXmlDocument::parse(const std::u16string& path) {
     parser_->parse(source);
     document_ = parser_->adoptDocument();
   } catch (...) {
-    // A fatal error of the handler, a library exception, a DOM exception or
-    // the library running out of memory: all are an unreadable file.
+    // A fatal error of the handler, a library exception, a DOM exception,
+    // the library running out of memory or a file nested too deep: all are
+    // an unreadable file.
     ThrowCode(codes::kXmlUnreadable);
   }
   if (document_ == nullptr) ThrowCode(codes::kXmlUnreadable);
@@ -172,6 +230,18 @@ void QvFXmlDocument::parse(const std::u16string& path) {
 
 std::string QvFXmlDocument::serializeToBytes(bool pretty) {
   if (document_ == nullptr) throw std::logic_error("no document to write");
+  try {
+    return writeToBytes(pretty);
+  } catch (const xercesc::DOMException& e) {
+    ThrowLibraryFailure(e.getMessage());
+  } catch (const xercesc::XMLException& e) {
+    ThrowLibraryFailure(e.getMessage());
+  } catch (const xercesc::OutOfMemoryException&) {
+    throw std::bad_alloc();
+  }
+}
+
+std::string QvFXmlDocument::writeToBytes(bool pretty) {
   xercesc::DOMImplementation* implementation = CoreImplementation();
   std::unique_ptr<xercesc::DOMLSSerializer, ReleaseDeleter> serializer(
       implementation->createLSSerializer(XMLPlatformUtils::fgMemoryManager));
@@ -205,10 +275,14 @@ DOMAttr* QvFXmlDocument::addAttribute(DOMElement* element, const std::u16string&
   // The compact name of a command row's target input is written even empty.
   if (value.empty() && name != u"ti") return nullptr;
   if (element == nullptr || document_ == nullptr || name.empty()) return nullptr;
-  DOMAttr* attribute = document_->createAttribute(name.c_str());
-  attribute->setValue(value.c_str());
-  element->setAttributeNode(attribute);
-  return attribute;
+  try {
+    DOMAttr* attribute = document_->createAttribute(name.c_str());
+    attribute->setValue(value.c_str());
+    element->setAttributeNode(attribute);
+    return attribute;
+  } catch (const xercesc::DOMException& e) {
+    ThrowLibraryFailure(e.getMessage());
+  }
 }
 
 std::u16string QvFXmlDocument::getAttribute(const DOMElement* element, const std::u16string& name) {
@@ -220,14 +294,22 @@ std::u16string QvFXmlDocument::getAttribute(const DOMElement* element, const std
 
 DOMElement* QvFXmlDocument::appendElement(DOMNode* parent, const std::u16string& name) {
   if (document_ == nullptr) throw std::logic_error("no document to build");
-  DOMElement* element = document_->createElement(name.c_str());
-  (parent != nullptr ? parent : document_)->appendChild(element);
-  return element;
+  try {
+    DOMElement* element = document_->createElement(name.c_str());
+    (parent != nullptr ? parent : document_)->appendChild(element);
+    return element;
+  } catch (const xercesc::DOMException& e) {
+    ThrowLibraryFailure(e.getMessage());
+  }
 }
 
 void QvFXmlDocument::appendText(DOMElement* element, const std::u16string& text) {
   if (document_ == nullptr || element == nullptr) return;
-  element->appendChild(document_->createTextNode(text.c_str()));
+  try {
+    element->appendChild(document_->createTextNode(text.c_str()));
+  } catch (const xercesc::DOMException& e) {
+    ThrowLibraryFailure(e.getMessage());
+  }
 }
 
 DOMElement* QvFXmlDocument::root() const {

@@ -14,7 +14,8 @@
 //
 // Parsing is safe on untrusted files: no external DTD, entity or schema is
 // ever fetched or read (every external resource resolves to empty input),
-// entity expansion is bounded, and the file is read by our own file layer.
+// entity expansion and the nesting of elements are bounded, and the file is
+// read by our own file layer.
 #ifndef QV_XML_QVF_XML_DOCUMENT_H_
 #define QV_XML_QVF_XML_DOCUMENT_H_
 
@@ -61,14 +62,18 @@ class QvFXmlDocument {
 
   // Starts the library and parses the file at `path` into the document.  A
   // file that is missing, unreadable or not well formed throws a
-  // QvConvException pointer with -300.  Validation errors (a scenario document
+  // QvConvException pointer with -300, and so does a hostile file: elements
+  // nested deeper than 256, more than 10000 entity expansions, or an entity
+  // that stands for more than 4096 characters.  Validation errors (a scenario document
   // has no grammar) and warnings are dropped.
   void parse(const std::u16string& path);
 
   // Writes the document to `path` as UTF-8 with an XML declaration and no byte
   // order mark; `pretty` adds line breaks and indentation.  Throws
-  // std::runtime_error when the file cannot be written; what the library
-  // throws passes through unchanged.
+  // std::runtime_error when the file cannot be written or the library refuses
+  // the tree (a text holding a character that XML cannot carry, such as a
+  // control character or a lone surrogate).  No library exception leaves this
+  // class: it could outlive the library it belongs to.
   void serialize(const std::u16string& path, bool pretty);
 
   // The bytes that serialize() would write.
@@ -86,7 +91,8 @@ class QvFXmlDocument {
                                      const std::u16string& name);
 
   // Makes an element `name` and appends it to `parent`, or to the document
-  // itself when `parent` is null.  Needs a document.
+  // itself when `parent` is null.  Needs a document.  A name that XML does not
+  // allow throws std::runtime_error (as do addAttribute and appendText).
   xercesc::DOMElement* appendElement(xercesc::DOMNode* parent, const std::u16string& name);
   // Appends a text node to `element`.
   void appendText(xercesc::DOMElement* element, const std::u16string& text);
@@ -102,6 +108,7 @@ class QvFXmlDocument {
 
  private:
   bool startLibrary(bool report_failure);
+  std::string writeToBytes(bool pretty);
 
   xercesc::DOMDocument* document_ = nullptr;
   std::unique_ptr<xercesc::XercesDOMParser> parser_;
