@@ -1,0 +1,443 @@
+#include "tests/blackbox/project_builder.h"
+
+#include <xercesc/dom/DOM.hpp>
+#include <xercesc/parsers/XercesDOMParser.hpp>
+#include <xercesc/sax/HandlerBase.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/XMLString.hpp>
+
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+#include <filesystem>
+#include <memory>
+
+namespace qvtest {
+namespace fs = std::filesystem;
+using namespace xercesc;
+
+// ---- Writing projects ------------------------------------------------------
+
+std::string EscapeField(std::string_view field) {
+  std::string out;
+  for (char c : field) {
+    if (c == '\\') {
+      out += "\\\\";
+    } else if (c == ',') {
+      out += "\\,";
+    } else {
+      out += c;
+    }
+  }
+  return out;
+}
+
+std::string CsvBytes(const Rows& rows) {
+  std::string text;
+  for (const Row& row : rows) {
+    for (size_t i = 0; i < row.size(); ++i) {
+      if (i) text += ',';
+      text += EscapeField(row[i]);
+    }
+    text += "\r\n";
+  }
+  return Cp932(text);
+}
+
+void WriteCsv(const std::string& path, const Rows& rows) { WriteFile(path, CsvBytes(rows)); }
+
+Row ScheduleEntry(const std::string& date, const std::string& timetable,
+                  const std::string& is_default) {
+  return {date, timetable, is_default};
+}
+
+Row ProgramLine(const std::string& start, const std::string& end, const std::string& folder) {
+  return {start, end, "0", folder, "0", ""};
+}
+
+Row CommandLine(const std::string& start, const std::string& type, const std::string& input) {
+  return {start, "", "1", "", type, input};
+}
+
+Row ItemLine::ToRow() const {
+  return {kind,       time,       "",         "false",    color,      aspect, "",
+          "0",        "0",        "0",        volume,     effect,     effect_time,
+          "0",        frame_move, frame_move, frame_move, frame_move, end_code};
+}
+
+Item MovieItem(const std::string& file, const std::string& time) {
+  Item item;
+  item.path_cell = "..\\contents\\" + file;
+  item.line.time = time;
+  return item;
+}
+
+Item ImageItem(const std::string& file, const std::string& effect,
+               const std::string& effect_time) {
+  Item item;
+  item.path_cell = "..\\contents\\" + file;
+  item.line.effect = effect;
+  item.line.effect_time = effect_time;
+  return item;
+}
+
+Item TelopItem(const std::string& file) {
+  Item item;
+  item.path_cell = "..\\contents\\" + file;
+  item.line.time = "00:00:20";
+  return item;
+}
+
+Item BlankItem(const std::string& kind) {
+  Item item;
+  item.line.kind = kind;
+  item.line.time = "00:00:03";
+  return item;
+}
+
+std::string TelopText(int font_size, int mode, const std::vector<std::string>& lines) {
+  std::string text = "TELOP\r\n0,0," + std::to_string(font_size) + ",0xffffff,0x000000,0,0," +
+                     std::to_string(mode) + "\r\n";
+  for (const auto& line : lines) text += line + "\r\n";
+  return text;
+}
+
+ProjectBuilder::ProjectBuilder(std::string root) : root_(std::move(root)) { MakeDirs(root_); }
+
+std::string ProjectBuilder::Path(std::string_view relative) const {
+  return root_ + "/" + std::string(relative);
+}
+
+void ProjectBuilder::Schedule(const Rows& entries, const std::string& file,
+                              const std::string& title, const std::string& add) {
+  Rows rows{{title}, {add}};
+  rows.insert(rows.end(), entries.begin(), entries.end());
+  WriteCsv(Path(file), rows);
+}
+
+void ProjectBuilder::TimeTable(const std::string& file, const std::string& title,
+                               const Rows& lines) {
+  Rows rows{{title}, {"0xD4F0FF"}};
+  rows.insert(rows.end(), lines.begin(), lines.end());
+  WriteCsv(Path(file), rows);
+}
+
+void ProjectBuilder::Program(const std::string& folder, const ProgramSpec& spec) {
+  auto s = [](int v) { return std::to_string(v); };
+  Rows rows{{spec.title},
+            {"0xD4F0FF", s(spec.x), s(spec.y), s(spec.width), s(spec.height), spec.play_time, "0"},
+            {"0", "playlist_0.csv", s(spec.x), s(spec.y), s(spec.width), s(spec.height),
+             spec.background, "false", "0", "true"}};
+  for (int n = 1; n <= 8; ++n) {
+    auto it = std::find_if(spec.panes.begin(), spec.panes.end(),
+                           [n](const Pane& p) { return p.number == n; });
+    std::string file = "playlist_" + s(n) + ".csv";
+    if (it != spec.panes.end()) {
+      rows.push_back({s(n), file, s(it->x), s(it->y), s(it->width), s(it->height),
+                      spec.background, "false", "0", it->in_use});
+    } else {
+      rows.push_back({s(n), file, "0", "0", "0", "0", "0x000000", "false", "0",
+                      n == 7 ? "true" : "false"});
+    }
+  }
+  WriteCsv(Path(folder + "/program.csv"), rows);
+}
+
+void ProjectBuilder::Playlist(const std::string& folder, int pane,
+                              const std::vector<Item>& items) {
+  Rows lines;
+  for (size_t k = 1; k <= items.size(); ++k) {
+    char name[64];
+    std::snprintf(name, sizeof name, "contents_%d_%03zu.csv", pane, k);
+    lines.push_back({std::string("information\\") + name});
+    const Item& item = items[k - 1];
+    Rows rows{{item.path_cell}, item.line.ToRow()};
+    rows.insert(rows.end(), item.extra.begin(), item.extra.end());
+    WriteCsv(Path(folder + "/information/" + name), rows);
+  }
+  WriteCsv(Path(folder + "/playlist_" + std::to_string(pane) + ".csv"), lines);
+}
+
+void ProjectBuilder::EmptyPlaylists(const std::string& folder, const std::vector<int>& used) {
+  for (int n = 0; n <= 7; ++n) {
+    if (std::find(used.begin(), used.end(), n) == used.end()) {
+      WriteFile(Path(folder + "/playlist_" + std::to_string(n) + ".csv"), "");
+    }
+  }
+}
+
+void ProjectBuilder::Content(const std::string& name, std::string_view bytes) {
+  WriteFile(Path("contents/" + name), bytes);
+}
+
+void ProjectBuilder::File(const std::string& relative, std::string_view bytes) {
+  WriteFile(Path(relative), bytes);
+}
+
+const char kMovieBytes[] = "movie: not really an mp4";
+const char kLogoBytes[] = "logo: not really a png";
+const char kPhotoBytes[] = "photo: not really a jpeg";
+
+std::string CleanTelopUtf8() {
+  return TelopText(48, 1, {"本日はご来場ありがとうございます。", "午後六時に閉館いたします。"});
+}
+
+void BuildCleanProject(ProjectBuilder& p) {
+  p.Schedule({ScheduleEntry("2035/01/01", "平日.csv", "true"),
+              ScheduleEntry("2035/01/02", "TimeTable_weekend.csv"),
+              ScheduleEntry("2035/01/03", "平日.csv")},
+             "Schedule.csv", "サンプル スケジュール");
+  p.TimeTable("平日.csv", "平日の番組表",
+              {ProgramLine("09:00:00", "12:00:00", "ニュース番組"),
+               ProgramLine("12:00:00", "18:00:00", "Program_ads"),
+               CommandLine("18:00:00", "3", "HDMI1")});
+  p.TimeTable("TimeTable_weekend.csv", "Weekend",
+              {ProgramLine("10:00:00", "20:00:00", "Program_ads")});
+
+  ProgramSpec news;
+  news.title = "ニュース";
+  news.panes = {Pane{1, 0, 0, 1920, 900, "true"}, Pane{5, 0, 900, 1920, 180, "true"}};
+  p.Program("ニュース番組", news);
+  Item movie = MovieItem("オープニング.mp4");
+  movie.line.volume = "80";
+  Item logo = ImageItem("ロゴ.png");
+  logo.line.color = "0xffffff";
+  logo.line.aspect = "1";
+  Item photo = ImageItem("photo.jpeg", "258", "1000");  // wipe, upwards
+  photo.line.aspect = "2";
+  p.Playlist("ニュース番組", 1, {movie, logo, photo});
+  p.Playlist("ニュース番組", 5, {TelopItem("お知らせ.tlp")});
+  p.EmptyPlaylists("ニュース番組", {1, 5});
+
+  ProgramSpec ads;
+  ads.title = "Advertising";
+  ads.background = "0x000000";
+  ads.panes = {Pane{1, 0, 0, 1920, 1080, "true"}};
+  p.Program("Program_ads", ads);
+  Item logo_again = ImageItem("ロゴ.png");
+  p.Playlist("Program_ads", 1, {logo_again, BlankItem()});
+  p.EmptyPlaylists("Program_ads", {1});
+
+  p.Content("オープニング.mp4", kMovieBytes);
+  p.Content("ロゴ.png", kLogoBytes);
+  p.Content("photo.jpeg", kPhotoBytes);
+  p.Content("お知らせ.tlp", Cp932(CleanTelopUtf8()));
+}
+
+void BuildTimeTableProject(ProjectBuilder& p) {
+  p.Schedule({ScheduleEntry("2035/01/01", "TimeTable_a.csv", "true"),
+              ScheduleEntry("2035/01/02", "時間表b.csv")});
+  p.TimeTable("TimeTable_a.csv", "Morning", {CommandLine("06:00:00", "1", "")});
+  p.TimeTable("時間表b.csv", "夜", {CommandLine("22:00:00", "2", "VIDEO1")});
+}
+
+std::string DateFromToday(int days) {
+  std::time_t now = std::time(nullptr) + static_cast<std::time_t>(days) * 86400;
+  std::tm tm{};
+  localtime_r(&now, &tm);
+  char buffer[32];
+  std::snprintf(buffer, sizeof buffer, "%04d/%02d/%02d", tm.tm_year + 1900, tm.tm_mon + 1,
+                tm.tm_mday);
+  return buffer;
+}
+
+std::string TimeFromNow(int seconds) {
+  std::time_t now = std::time(nullptr);
+  std::tm tm{};
+  localtime_r(&now, &tm);
+  int of_day = tm.tm_hour * 3600 + tm.tm_min * 60 + tm.tm_sec + seconds;
+  of_day = std::clamp(of_day, 0, 86399);
+  char buffer[32];
+  std::snprintf(buffer, sizeof buffer, "%02d:%02d:%02d", of_day / 3600, of_day / 60 % 60,
+                of_day % 60);
+  return buffer;
+}
+
+// ---- Reading results back --------------------------------------------------
+
+std::string XmlNode::Attr(const std::string& attr) const {
+  auto it = attrs.find(attr);
+  return it == attrs.end() ? std::string() : it->second;
+}
+
+std::vector<const XmlNode*> XmlNode::All(const std::string& child) const {
+  std::vector<const XmlNode*> out;
+  for (const auto& c : children) {
+    if (c.name == child) out.push_back(&c);
+  }
+  return out;
+}
+
+const XmlNode* XmlNode::First(const std::string& child) const {
+  for (const auto& c : children) {
+    if (c.name == child) return &c;
+  }
+  return nullptr;
+}
+
+const XmlNode& XmlNode::At(const std::string& child) const {
+  static const XmlNode empty;
+  const XmlNode* found = First(child);
+  if (!found) {
+    ADD_FAILURE() << "<" << name << "> has no child <" << child << ">";
+    return empty;
+  }
+  return *found;
+}
+
+const XmlNode& XmlNode::Nth(size_t i) const {
+  static const XmlNode empty;
+  if (i >= children.size()) {
+    ADD_FAILURE() << "<" << name << "> has " << children.size() << " children, not " << i + 1;
+    return empty;
+  }
+  return children[i];
+}
+
+namespace {
+
+std::string Utf8(const XMLCh* text) {
+  if (!text) return {};
+  return U8(std::u16string(reinterpret_cast<const char16_t*>(text)));
+}
+
+XmlNode Convert(const DOMElement* element) {
+  XmlNode node;
+  node.name = Utf8(element->getTagName());
+  const DOMNamedNodeMap* attrs = element->getAttributes();
+  for (XMLSize_t i = 0; attrs && i < attrs->getLength(); ++i) {
+    const DOMNode* a = attrs->item(i);
+    node.attrs[Utf8(a->getNodeName())] = Utf8(a->getNodeValue());
+  }
+  const DOMNodeList* kids = element->getChildNodes();
+  for (XMLSize_t i = 0; i < kids->getLength(); ++i) {
+    const DOMNode* k = kids->item(i);
+    if (k->getNodeType() == DOMNode::ELEMENT_NODE) {
+      node.children.push_back(Convert(static_cast<const DOMElement*>(k)));
+    } else if (k->getNodeType() == DOMNode::TEXT_NODE) {
+      node.text += Utf8(k->getNodeValue());
+    }
+  }
+  return node;
+}
+
+// The library stays started for the whole test program.
+void StartXml() {
+  static bool started = [] {
+    XMLPlatformUtils::Initialize();
+    return true;
+  }();
+  (void)started;
+}
+
+}  // namespace
+
+XmlNode ParseXml(const std::string& path) {
+  StartXml();
+  if (!Exists(path)) {
+    ADD_FAILURE() << "no XML file " << path;
+    return {};
+  }
+  XercesDOMParser parser;
+  HandlerBase handler;
+  parser.setErrorHandler(&handler);
+  parser.setDoNamespaces(true);
+  try {
+    parser.parse(path.c_str());
+  } catch (...) {
+    ADD_FAILURE() << "not well-formed XML: " << path;
+    return {};
+  }
+  DOMDocument* doc = parser.getDocument();
+  if (!doc || !doc->getDocumentElement()) {
+    ADD_FAILURE() << "no root element in " << path;
+    return {};
+  }
+  return Convert(doc->getDocumentElement());
+}
+
+void Unzip(const std::string& zip, const std::string& folder) {
+  RunResult r = Run({"7za", "x", "-y", zip, "-o" + folder});
+  ASSERT_EQ(r.status, 0) << r.output;
+}
+
+Rows ReadCsv(const std::string& path) {
+  std::string bytes = ReadFile(path);
+  Rows rows;
+  size_t pos = 0;
+  while (pos < bytes.size()) {
+    size_t end = bytes.find('\n', pos);
+    if (end == std::string::npos) {
+      ADD_FAILURE() << path << ": last line without a line end";
+      end = bytes.size();
+    }
+    std::string line = bytes.substr(pos, end - pos);
+    if (line.empty() || line.back() != '\r') {
+      ADD_FAILURE() << path << ": line without CR LF";
+    } else {
+      line.pop_back();
+    }
+    std::string text = Utf8FromCp932(line);
+    Row row;
+    std::string field;
+    for (size_t i = 0; i < text.size(); ++i) {
+      if (text[i] == '\\' && i + 1 < text.size() && (text[i + 1] == '\\' || text[i + 1] == ',')) {
+        field += text[++i];
+      } else if (text[i] == ',') {
+        row.push_back(field);
+        field.clear();
+      } else {
+        field += text[i];
+      }
+    }
+    row.push_back(field);
+    rows.push_back(row);
+    pos = end + 1;
+  }
+  return rows;
+}
+
+std::vector<std::string> FilesBelow(const std::string& folder) {
+  std::vector<std::string> out;
+  std::error_code ec;
+  for (auto it = fs::recursive_directory_iterator(folder, ec);
+       !ec && it != fs::recursive_directory_iterator(); it.increment(ec)) {
+    if (it->is_regular_file()) out.push_back(fs::relative(it->path(), folder).string());
+  }
+  std::sort(out.begin(), out.end());
+  return out;
+}
+
+std::vector<std::string> WorkFolders(const std::string& temp) {
+  std::vector<std::string> out;
+  if (IsDir(temp + "/QvConv")) out = ListDir(temp + "/QvConv");
+  return out;
+}
+
+std::vector<std::string> RunEnv(const std::string& temp, const std::string& locale) {
+  MakeDirs(temp);
+  return {"TMPDIR=" + temp, "LC_ALL=" + locale, "LANG=" + locale, "LC_MESSAGES=" + locale};
+}
+
+RunResult BlackBoxTest::Package(const std::string& input) {
+  return RunQv({input.empty() ? project_ : input, "-package" + zip_}, RunEnv(temp_, locale_));
+}
+
+RunResult BlackBoxTest::Check(const std::string& input) {
+  return RunQv({input.empty() ? project_ : input, "-check" + report_}, RunEnv(temp_, locale_));
+}
+
+RunResult BlackBoxTest::Unpackage(const std::string& zip, const std::string& destination) {
+  return RunQv({zip, "-unpackage" + destination}, RunEnv(temp_, locale_));
+}
+
+std::string BlackBoxTest::Extracted() {
+  if (extracted_.empty()) {
+    extracted_ = scratch_.Sub("extracted");
+    MakeDirs(extracted_);
+    Unzip(zip_, extracted_);
+  }
+  return extracted_ + "/QvFormat";
+}
+
+}  // namespace qvtest
