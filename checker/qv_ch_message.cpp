@@ -136,6 +136,8 @@ QvChMessage::QvChMessage() { fill(platform::MessageLocaleName()); }
 QvChMessage::QvChMessage(std::string_view locale_name) { fill(locale_name); }
 
 bool QvChMessage::IsEnglishLocale(std::string_view locale_name) {
+  // A name that spells the language out ("English_United States.1252").
+  if (locale_name.find("English") != std::string_view::npos) return true;
   // The language is what stands before the territory, the code set and the
   // modifier: "en" of "en_US.UTF-8", "C" of "C.UTF-8".
   const std::size_t end = locale_name.find_first_of("_.@");

@@ -32,7 +32,8 @@ class QvChMessage {
   static std::u16string getMessage(const std::u16string& key);
 
   // Does this locale name get the English texts?  The language part of the
-  // name ("en" of "en_GB.UTF-8") must be "en", or the name is the C locale.
+  // name ("en" of "en_GB.UTF-8") must be "en", or the name is the C locale,
+  // or it spells out "English".
   static bool IsEnglishLocale(std::string_view locale_name);
 
   std::u16string language;  // the locale name in use

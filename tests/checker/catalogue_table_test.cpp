@@ -35,7 +35,7 @@ TEST(CheckerCatalogue, HoldsEveryKeyInBothLanguages) {
 }
 
 TEST(CheckerCatalogue, LanguageFollowsTheLocale) {
-  for (const char* name : {"en_US.UTF-8", "en_GB", "en", "C", "C.UTF-8", "POSIX"}) {
+  for (const char* name : {"en_US.UTF-8", "en_GB", "en", "C", "C.UTF-8", "POSIX", "English_US.1252"}) {
     EXPECT_TRUE(QvChMessage::IsEnglishLocale(name)) << name;
   }
   for (const char* name : {"ja_JP.UTF-8", "de_DE.UTF-8", "fr", "english_fake", "eng_XX"}) {
