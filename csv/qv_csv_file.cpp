@@ -124,8 +124,8 @@ void QvCsvFile::WriteFile(const std::u16string& path) const {
     platform::OutputFile file;
     if (!file.Open(path)) ThrowCode(codes::kCannotCreate);
     file.Append(WriteBytes());
-    // As with a text stream, failures after the file is open are not looked at.
-    file.Close();
+    // A file cut short (a full disk) must not pass for a written one.
+    if (!file.Close()) ThrowCode(codes::kCsvIoFailed);
   } catch (QvConvException*) {
     throw;
   } catch (const std::exception&) {
