@@ -4,7 +4,6 @@
 #include <memory>
 #include <string>
 
-#include "app/qv_conv_exception.h"
 #include "model/qvf_records.h"
 #include "tests/support/test_support.h"
 #include "xml/qvf_read_xml.h"
@@ -167,25 +166,6 @@ TEST_P(XmlDocumentTest, TheOtherVocabularyReadsAsEmptyRecords) {
   ASSERT_NE(read, nullptr);
   EXPECT_TRUE(read->id.text.empty());
   EXPECT_TRUE(read->table_list.tables.empty());
-}
-
-TEST_P(XmlDocumentTest, FilesThatDoNotParseAreMinus300) {
-  QvFReadXml reader(debug());
-  Write("bad.xml", "<qv><sl>");
-  for (const char* name : {"bad.xml", "missing.xml"}) {
-    try {
-      reader.readSchedule(Path(name));
-      ADD_FAILURE() << name;
-    } catch (qvconv::converter::QvConvException* e) {
-      EXPECT_EQ(e->code(), -300);
-    }
-    try {
-      reader.readTimeTable(Path(name));
-      ADD_FAILURE() << name;
-    } catch (qvconv::converter::QvConvException* e) {
-      EXPECT_EQ(e->code(), -300);
-    }
-  }
 }
 
 QvFTimeTable SampleTimeTable() {
