@@ -38,9 +38,7 @@ TEST_F(ParameterFile, RootAloneKeepsEveryDefault) {
   EXPECT_EQ(Read("<QvConvParameter/>"), 0);
   EXPECT_EQ(config_.InputKind(), KindProject);
   EXPECT_EQ(config_.OutputKind(), KindCompact);
-  EXPECT_FALSE(config_.InputArchive());
-  EXPECT_TRUE(config_.OutputArchive());
-  EXPECT_FALSE(config_.Compress());
+  EXPECT_TRUE(!config_.InputArchive() && config_.OutputArchive() && !config_.Compress());
   EXPECT_EQ(config_.ParameterPath(), qvtest::U16(scratch_.Sub("param0.xml")));
 }
 
@@ -52,9 +50,7 @@ TEST_F(ParameterFile, EveryAllowedValue) {
             0);
   EXPECT_EQ(config_.InputKind(), KindDebug);
   EXPECT_EQ(config_.OutputKind(), KindProject);
-  EXPECT_TRUE(config_.InputArchive());
-  EXPECT_FALSE(config_.OutputArchive());
-  EXPECT_TRUE(config_.Compress());
+  EXPECT_TRUE(config_.InputArchive() && !config_.OutputArchive() && config_.Compress());
 
   EXPECT_EQ(Read("<QvConvParameter><Input format='application/x-qvf' archive='no'/>"
                  "<Output format='application/x-qvf-debug' archive='yes' compress='no'/>"
@@ -62,9 +58,7 @@ TEST_F(ParameterFile, EveryAllowedValue) {
             0);
   EXPECT_EQ(config_.InputKind(), KindCompact);
   EXPECT_EQ(config_.OutputKind(), KindDebug);
-  EXPECT_FALSE(config_.InputArchive());
-  EXPECT_TRUE(config_.OutputArchive());
-  EXPECT_FALSE(config_.Compress());
+  EXPECT_TRUE(!config_.InputArchive() && config_.OutputArchive() && !config_.Compress());
 
   EXPECT_EQ(Read("<QvConvParameter><Input format='application/x-quorvane'/>"
                  "<Output format='application/x-qvf'/></QvConvParameter>"),

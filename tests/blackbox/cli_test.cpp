@@ -35,22 +35,16 @@ class Cli : public testing::Test {
 TEST_F(Cli, BadCommandLinesAre255AndTouchNothing) {
   const std::string project = scratch_.Sub("project");
   qvtest::MakeDirs(project);
+  // The option loop itself is covered by unit tests; these are the cases
+  // that matter at the process boundary.
   const std::vector<std::vector<std::string>> refused = {
       {},
       {project},                                 // no output
-      {"-packagex.zip"},                         // no input
-      {project, "-package"},
-      {project, "-package\""},
+      {project, "-package"},                     // no value
       {project, "other", "-packagex.zip"},
       {project, "-checkb.xml", "-packagea.zip"},
-      {project, "-unpackageb", "-packagea.zip"},
-      {project, "-packagea.zip", "-td1,2,3"},
       {project, "-packagea.zip", "-td(1,2,3,4,5)"},
-      {project, "-packagea.zip", "-td"},
-      {project, "-packagea.zip", "-td1,2,3,4", "-td1,2,3,4"},
       {project, "-packagea.zip", "-"},
-      {project, "-packagea.zip", "-unknown"},
-      {project, "-packagea.zip", "-parama.xml", "-paramb.xml"},
   };
   for (const auto& args : refused) {
     std::string line;

@@ -13,42 +13,31 @@ using quorvane::qvconv::converter::MakeWorkFolder;
 using qvtest::U16;
 using qvtest::U8;
 
-bool IsDigits(const std::string& s) {
-  for (char c : s) {
-    if (c < '0' || c > '9') return false;
-  }
-  return !s.empty();
-}
-
 TEST(WorkFolder, BelowTempGetsTimeAndUuidName) {
   qvtest::ScratchDir scratch;
   qvtest::EnvOverride temp("TMPDIR", scratch.path());
-
   const std::string first = U8(MakeWorkFolder(u"", u"QvConv"));
   const std::string second = U8(MakeWorkFolder(u"", u"QvConv"));
   const std::string parent = scratch.path() + "/QvConv/";
 
   ASSERT_EQ(first.substr(0, parent.size()), parent);
+  // "YYYYMMDD-hhmmss" and a lower-case UUID, nothing between them.
   const std::string name = first.substr(parent.size());
-  // "YYYYMMDD-hhmmss" then a lower-case UUID, nothing between them.
   ASSERT_EQ(name.size(), 15u + 36u) << name;
-  EXPECT_TRUE(IsDigits(name.substr(0, 8)));
-  EXPECT_EQ(name[8], '-');
-  EXPECT_TRUE(IsDigits(name.substr(9, 6)));
-  const std::string uuid = name.substr(15);
-  EXPECT_EQ(uuid[8], '-');
-  EXPECT_EQ(uuid[13], '-');
-  EXPECT_EQ(uuid.find_first_of("ABCDEF"), std::string::npos);
+  EXPECT_EQ(name.find_first_not_of("0123456789"), 8u);
+  EXPECT_EQ(name.substr(9, 6).find_first_not_of("0123456789"), std::string::npos);
+  EXPECT_EQ(name.substr(15).find_first_not_of("0123456789abcdef-"), std::string::npos);
+  EXPECT_EQ(name[23], '-');
 
   EXPECT_TRUE(qvtest::IsDir(first));
   EXPECT_TRUE(qvtest::ListDir(first).empty());
-  EXPECT_TRUE(qvtest::IsDir(second));
   EXPECT_NE(first, second);
 }
 
-TEST(WorkFolder, WithRootGoesDirectlyBelowIt) {
+TEST(WorkFolder, WithRootGoesDirectlyBelowItAtAnyDepth) {
   qvtest::ScratchDir scratch;
-  const std::string root = scratch.Sub("root");
+  std::string root = scratch.path();
+  for (char c = 'a'; c < 'g'; ++c) root += "/" + std::string(60, c);  // far past 260 characters
   qvtest::MakeDirs(root);
 
   const std::string folder = U8(MakeWorkFolder(U16(root), u"QvConv"));
@@ -56,16 +45,6 @@ TEST(WorkFolder, WithRootGoesDirectlyBelowIt) {
   EXPECT_EQ(folder.size(), root.size() + 1 + 51);
   EXPECT_TRUE(qvtest::IsDir(folder));
   EXPECT_FALSE(qvtest::Exists(root + "/QvConv"));
-}
-
-TEST(WorkFolder, LongPathsBeyondTheOldLimitWork) {
-  qvtest::ScratchDir scratch;
-  std::string root = scratch.path();
-  for (int i = 0; i < 6; ++i) root += "/" + std::string(60, 'a' + i);
-  qvtest::MakeDirs(root);
-  const std::string folder = U8(MakeWorkFolder(U16(root), u"QvConv"));
-  EXPECT_GT(folder.size(), 400u);
-  EXPECT_TRUE(qvtest::IsDir(folder));
 }
 
 }  // namespace
