@@ -83,7 +83,8 @@ void SetPlayTime(QvFPlayTime& play_time, int seconds, int content_end, int timeo
 // kind fails the test.
 template <typename Record>
 const Record& Item(const QvFPlaylist& playlist, size_t index) {
-  const QvFContent* item = index < playlist.contents.size() ? playlist.contents[index].get() : nullptr;
+  const QvFContent* item =
+      index < playlist.contents.size() ? playlist.contents[index].get() : nullptr;
   if (item == nullptr || item->kind != Record().kind) {
     throw std::runtime_error("no item of that kind at " + std::to_string(index));
   }
@@ -106,7 +107,9 @@ class XmlProgramPlaylistTrip : public testing::TestWithParam<bool> {
     QvFWriteXml(GetParam()).outputPlaylist(U16(path_), playlist);
     return path_;
   }
-  std::unique_ptr<QvFProgram> ReadProgram() { return QvFReadXml(GetParam()).readProgram(U16(path_)); }
+  std::unique_ptr<QvFProgram> ReadProgram() {
+    return QvFReadXml(GetParam()).readProgram(U16(path_));
+  }
   QvFPlaylist ReadPlaylist() { return QvFReadXml(GetParam()).readPlaylist(U16(path_)); }
   // The element children of the written root.
   std::vector<const DOMElement*> WrittenItems() {
