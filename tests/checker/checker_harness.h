@@ -26,25 +26,9 @@ struct ReportResult {
 };
 
 // Sets LC_ALL for the life of the object.
-class LocaleScope {
- public:
-  explicit LocaleScope(const char* name) {
-    const char* old = std::getenv("LC_ALL");
-    had_ = old != nullptr;
-    if (had_) old_ = old;
-    setenv("LC_ALL", name, 1);
-  }
-  ~LocaleScope() {
-    if (had_) {
-      setenv("LC_ALL", old_.c_str(), 1);
-    } else {
-      unsetenv("LC_ALL");
-    }
-  }
-
- private:
-  bool had_ = false;
-  std::string old_;
+struct LocaleScope {
+  explicit LocaleScope(const char* name) { setenv("LC_ALL", name, 1); }
+  ~LocaleScope() { unsetenv("LC_ALL"); }
 };
 
 class CheckerHarness {
@@ -93,11 +77,13 @@ class CheckerHarness {
     return results;
   }
 
-  // The ids of the Results, joined with spaces.
-  std::string Ids() const {
-    std::string ids;
-    for (const ReportResult& r : Results()) ids += (ids.empty() ? "" : " ") + r.id;
-    return ids;
+  // "id:kind@pane" of each Result, joined with spaces.
+  std::string Kinds() const {
+    std::string text;
+    for (const ReportResult& r : Results()) {
+      text += (text.empty() ? "" : " ") + r.id + ":" + r.kind + (r.pane.empty() ? "" : "@" + r.pane);
+    }
+    return text;
   }
 
   static std::string Attr(xercesc::DOMElement* e, const char16_t* name) {
