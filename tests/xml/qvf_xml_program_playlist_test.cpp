@@ -464,6 +464,7 @@ TEST_F(XmlProgramPlaylistRead, FailuresOfTheFileAndOfAColour) {
       Program(broken);
     } catch (QvConvException* e) {
       code = e->code();
+      delete e;
     }
     EXPECT_EQ(code, -300) << broken;
   }
