@@ -12,6 +12,7 @@
 #include "csv/qv_csv_file.h"
 #include "model/qvf_text_forms.h"
 #include "platform/system_info.h"
+#include "workspace/project_path.h"
 #include "workspace/text_conversion.h"
 
 namespace quorvane::qvconv::checker {
@@ -211,9 +212,13 @@ void QvChRunner::CHECK_SCHEDULE_DATE(const QvChDataRow& data_row) {
 void QvChRunner::CHECK_TIMETABLE_TIME(const std::u16string& cell) {
   if (cell.empty()) return;
   try {
-    const std::u16string& today = checker.today_timetable;
-    if (today.empty()) return;
-    if (file.size() < today.size() || file.compare(file.size() - today.size(), today.size(), today) != 0) {
+    if (checker.today_timetable.empty()) return;
+    // Only today's time table is tested.  The schedule names it with
+    // backslashes, the walk's path has forward slashes.
+    const std::u16string today = converter::WithForwardSlashes(checker.today_timetable);
+    const std::u16string path = converter::WithForwardSlashes(file);
+    if (path.size() < today.size() ||
+        path.compare(path.size() - today.size(), today.size(), today) != 0) {
       return;
     }
     // The cell as 8-bit text of at most 255 bytes, scanned into the hours,

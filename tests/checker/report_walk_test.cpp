@@ -128,11 +128,11 @@ TEST(CheckerSchedule, TodayWithoutTimeTableAndEmptyDate) {
 
 TEST(CheckerTimeTable, TestsOnlyTodaysTableAgainstTheClock) {
   CheckerHarness h;
-  h.checker.today_timetable = u"TM_today.csv";
+  h.checker.today_timetable = u"sub\\TM_today.csv";
   const std::vector<std::string> rows = {"name", "x", "00:00:00,23:59:59,0,P,,",
                                          ",00:00:01,0,P", "23:59:59,23:59:59,0,P"};
   const std::string other = h.Csv("TM_other.csv", rows);
-  const std::string today = h.Csv("TM_today.csv", rows);
+  const std::string today = h.Csv("sub/TM_today.csv", rows);
   EXPECT_EQ(h.Check(ChTimeTable, other), 0);
   EXPECT_EQ(h.Kinds(), "");
   EXPECT_EQ(h.Check(ChTimeTable, today), 0);
