@@ -1,0 +1,90 @@
+#!/usr/bin/env bash
+# Times `qvConvApp <project> -package<zip>` on the generated benchmark projects.
+#
+#   bench/run.sh timetables   1 schedule, 1,000 time tables of 20 rows
+#   bench/run.sh content      50 programs, 500 content files of 1 MiB, side by
+#                             side with `cp -r` + `7za a -tzip` of the project
+#   bench/run.sh scenario     2,000 programs (22,000 contents files), and the
+#                             same with 200 programs for the growth ratio
+#   bench/run.sh all          the three in turn
+#
+# QV_BIN names the program (default: build/qvConvApp, built by ./qv build).
+# BENCH_DIR is where the projects and packages go (default: a fresh folder
+# below $TMPDIR or /tmp, removed at the end unless BENCH_KEEP=1).
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+QV_BIN=${QV_BIN:-build/qvConvApp}
+[ -x "$QV_BIN" ] || { echo "no program at $QV_BIN: run ./qv build first, or set QV_BIN" >&2; exit 1; }
+QV_BIN=$(realpath "$QV_BIN")
+TIME=/usr/bin/time
+[ -x "$TIME" ] || { echo "GNU time is needed at /usr/bin/time (Debian package time)" >&2; exit 1; }
+
+BENCH_DIR=${BENCH_DIR:-$(mktemp -d "${TMPDIR:-/tmp}/qvbench.XXXXXX")}
+mkdir -p "$BENCH_DIR"
+if [ "${BENCH_KEEP:-0}" != 1 ]; then trap 'rm -rf "$BENCH_DIR"' EXIT; fi
+# The program's work folders go below its own temporary folder.
+export TMPDIR="$BENCH_DIR/tmp"
+mkdir -p "$TMPDIR"
+
+# measure <label> <command...>: runs the command under GNU time, prints the
+# wall time, the peak memory and the exit code on one line, and leaves the
+# seconds in $SECONDS_TAKEN.
+measure() {
+  local label=$1; shift
+  local log="$BENCH_DIR/time.log"
+  local code=0
+  "$TIME" -v -o "$log" "$@" >/dev/null 2>&1 || code=$?
+  local wall rss
+  wall=$(sed -n 's/.*Elapsed (wall clock) time (h:mm:ss or m:ss): //p' "$log")
+  rss=$(sed -n 's/.*Maximum resident set size (kbytes): //p' "$log")
+  SECONDS_TAKEN=$(echo "$wall" | awk -F: '{ s = 0; for (i = 1; i <= NF; i++) s = s * 60 + $i; print s }')
+  printf '%-40s %8.2f s  %8.1f MiB peak  exit %s\n' "$label" "$SECONDS_TAKEN" \
+    "$(echo "$rss" | awk '{ print $1 / 1024 }')" "$code"
+}
+
+package() {  # package <label> <project> <zip>
+  rm -f "$3"
+  measure "$1" "$QV_BIN" "$2" "-package$3"
+}
+
+bench_timetables() {
+  echo "== 1 schedule entry per time table, 1,000 time tables of 20 rows (target < 3 s)"
+  python3 bench/make_project.py timetables "$BENCH_DIR/timetables"
+  package "qvConvApp -package" "$BENCH_DIR/timetables" "$BENCH_DIR/timetables.zip"
+}
+
+bench_content() {
+  echo "== 50 programs, 500 content files of 1 MiB (target: at most 1.15 x cp + 7za)"
+  python3 bench/make_project.py content "$BENCH_DIR/content"
+  sync
+  package "qvConvApp -package" "$BENCH_DIR/content" "$BENCH_DIR/content.zip"
+  local ours=$SECONDS_TAKEN
+  rm -rf "$BENCH_DIR/copy" "$BENCH_DIR/pair.zip"
+  measure "cp -r" cp -r "$BENCH_DIR/content" "$BENCH_DIR/copy"
+  local copy=$SECONDS_TAKEN
+  measure "7za a -tzip of the copy" 7za a -r -tzip "$BENCH_DIR/pair.zip" "$BENCH_DIR/copy"
+  local zip=$SECONDS_TAKEN
+  awk -v o="$ours" -v c="$copy" -v z="$zip" \
+    'BEGIN { printf "ratio qvConvApp / (cp + 7za) = %.3f\n", o / (c + z) }'
+}
+
+bench_scenario() {
+  echo "== scenario-heavy: 365 days, 200 time tables, 2,000 programs (target < 30 s, < 300 MiB)"
+  python3 bench/make_project.py scenario "$BENCH_DIR/scenario200" --programs 200
+  package "qvConvApp -package, 200 programs" "$BENCH_DIR/scenario200" "$BENCH_DIR/s200.zip"
+  local small=$SECONDS_TAKEN
+  python3 bench/make_project.py scenario "$BENCH_DIR/scenario2000"
+  package "qvConvApp -package, 2,000 programs" "$BENCH_DIR/scenario2000" "$BENCH_DIR/s2000.zip"
+  local large=$SECONDS_TAKEN
+  awk -v s="$small" -v l="$large" \
+    'BEGIN { if (s > 0) printf "growth T(2000) / T(200) = %.2f (target <= 11)\n", l / s }'
+}
+
+case "${1:-all}" in
+  timetables) bench_timetables ;;
+  content) bench_content ;;
+  scenario) bench_scenario ;;
+  all) bench_timetables; bench_content; bench_scenario ;;
+  *) echo "usage: $0 timetables|content|scenario|all" >&2; exit 2 ;;
+esac
