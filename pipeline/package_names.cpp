@@ -1,7 +1,5 @@
 #include "pipeline/package_names.h"
 
-#include <algorithm>
-
 #include "app/qv_conv_exception.h"
 
 namespace quorvane::qvconv::converter {
@@ -14,10 +12,6 @@ bool IsPlainName(std::u16string_view name) {
 std::u16string DocumentPath(const std::u16string& folder, const std::u16string& id) {
   if (!IsPlainName(id)) ThrowCode(codes::kXmlUnreadable);
   return folder + u"/" + id + u".xml";
-}
-
-void AddOnce(std::vector<std::u16string>& list, const std::u16string& text) {
-  if (std::find(list.begin(), list.end(), text) == list.end()) list.push_back(text);
 }
 
 }  // namespace quorvane::qvconv::converter

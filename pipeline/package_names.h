@@ -6,6 +6,7 @@
 
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 namespace quorvane::qvconv::converter {
@@ -19,9 +20,19 @@ bool IsPlainName(std::u16string_view name);
 // read fails as for a missing document (-300).
 std::u16string DocumentPath(const std::u16string& folder, const std::u16string& id);
 
-// Appends `text` to `list` unless it is there already: the walk's lists keep
-// the order of first reference and no repeats.
-void AddOnce(std::vector<std::u16string>& list, const std::u16string& text);
+// A list of the walk: the order of first reference, no repeats.  Adding is
+// constant time, so a package of many thousands of items stays linear.
+class FirstReferenceList {
+ public:
+  void AddOnce(const std::u16string& text) {
+    if (seen_.insert(text).second) items_.push_back(text);
+  }
+  const std::vector<std::u16string>& items() const { return items_; }
+
+ private:
+  std::vector<std::u16string> items_;
+  std::unordered_set<std::u16string> seen_;
+};
 
 }  // namespace quorvane::qvconv::converter
 

@@ -54,24 +54,24 @@ void QvConvXmlToCsv::Convert(std::u16string& work) {
   const std::u16string src = config.InputPath() + u"/QvFormat";
 
   // The schedule names the time tables ...
-  std::vector<std::u16string> timetables;
+  FirstReferenceList timetables;
   {
     fmt::QvFSchedule schedule = reader->readSchedule(src + u"/QvS.xml");
     writer->outputSchedule(out + u"/" + writer->scheduleFileName(), schedule);
     for (const fmt::QvFScheduleEntry& entry : schedule.schedule_list.schedules) {
-      AddOnce(timetables, entry.ref_timetable.text);
+      timetables.AddOnce(entry.ref_timetable.text);
     }
   }
 
   // ... the time tables name the programs ...
-  std::vector<std::u16string> programs;
-  for (const std::u16string& id : timetables) {
+  FirstReferenceList programs;
+  for (const std::u16string& id : timetables.items()) {
     std::unique_ptr<fmt::QvFTimeTable> table = reader->readTimeTable(DocumentPath(src + u"/QvT", id));
     writer->outputTimeTable(out + u"/" + writer->timetableFileName(id), *table);
     for (const fmt::QvFTable& row : table->table_list.tables) {
       // A command row names no program.
       if (row.program && !row.program->ref_program.text.empty()) {
-        AddOnce(programs, row.program->ref_program.text);
+        programs.AddOnce(row.program->ref_program.text);
       }
     }
   }
@@ -79,7 +79,7 @@ void QvConvXmlToCsv::Convert(std::u16string& work) {
   // ... and the programs name their playlists, whose writing collects the
   // content files.
   io::csv::QvFNameMap content_names;
-  for (const std::u16string& id : programs) {
+  for (const std::u16string& id : programs.items()) {
     if (!IsPlainName(id)) ThrowCode(codes::kXmlUnreadable);
     const std::u16string source = src + u"/QvP/" + id;
     const std::u16string target = out + u"/" + writer->programFolderName(id);

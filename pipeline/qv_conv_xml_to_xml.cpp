@@ -65,28 +65,28 @@ void QvConvXmlToXml::Rewrite() {
   MakeFolder(format);
   const std::u16string input = config.InputPath();
 
-  std::vector<std::u16string> timetables;
+  FirstReferenceList timetables;
   {
     fmt::QvFSchedule schedule = reader->readSchedule(input + u"QvS.xml");
     writer->outputSchedule(format + u"/QvS.xml", schedule);
     for (const fmt::QvFScheduleEntry& entry : schedule.schedule_list.schedules) {
-      AddOnce(timetables, entry.ref_timetable.text);
+      timetables.AddOnce(entry.ref_timetable.text);
     }
   }
 
   MakeFolder(format + u"/QvT");
-  std::vector<std::u16string> programs;
-  for (const std::u16string& id : timetables) {
+  FirstReferenceList programs;
+  for (const std::u16string& id : timetables.items()) {
     std::unique_ptr<fmt::QvFTimeTable> table = reader->readTimeTable(DocumentPath(input + u"QvT", id));
     writer->outputTimeTable(format + u"/QvT/" + id + u".xml", *table);
     for (const fmt::QvFTable& row : table->table_list.tables) {
-      if (row.program) AddOnce(programs, row.program->ref_program.text);
+      if (row.program) programs.AddOnce(row.program->ref_program.text);
     }
   }
 
   MakeFolder(format + u"/QvP");
-  std::vector<std::u16string> contents;
-  for (const std::u16string& id : programs) {
+  FirstReferenceList contents;
+  for (const std::u16string& id : programs.items()) {
     if (!IsPlainName(id)) ThrowCode(codes::kXmlUnreadable);
     const std::u16string source = input + u"QvP/" + id;
     const std::u16string target = format + u"/QvP/" + id;
@@ -99,13 +99,13 @@ void QvConvXmlToXml::Rewrite() {
       writer->outputPlaylist(target + u"/" + ref + u".xml", playlist);
       for (const auto& item : playlist.contents) {
         if (!item || fmt::AsNone(item.get())) continue;
-        AddOnce(contents, ContentFileName(*item));
+        contents.AddOnce(ContentFileName(*item));
       }
     }
   }
 
   MakeFolder(format + u"/QvC");
-  for (const std::u16string& name : contents) {
+  for (const std::u16string& name : contents.items()) {
     // A name that could lead out of the tree is left out, like a missing file.
     if (!IsPlainName(name)) continue;
     try {

@@ -50,10 +50,10 @@ TEST(PackageNames, OnlyPlainNamesBecomePaths) {
   EXPECT_EQ(DocumentPath(u"/p/QvT", u"TM1"), u"/p/QvT/TM1.xml");
 }
 
-TEST(PackageNames, AddOnceKeepsFirstReferenceOrder) {
-  std::vector<std::u16string> list;
-  for (const char16_t* id : {u"TM2", u"TM1", u"TM2", u"", u"TM1", u""}) AddOnce(list, id);
-  EXPECT_EQ(list, (std::vector<std::u16string>{u"TM2", u"TM1", u""}));
+TEST(PackageNames, FirstReferenceListKeepsOrderWithoutRepeats) {
+  FirstReferenceList list;
+  for (const char16_t* id : {u"TM2", u"TM1", u"TM2", u"", u"TM1", u""}) list.AddOnce(id);
+  EXPECT_EQ(list.items(), (std::vector<std::u16string>{u"TM2", u"TM1", u""}));
 }
 
 }  // namespace
