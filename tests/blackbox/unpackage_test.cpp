@@ -155,16 +155,6 @@ TEST_F(Unpackage, EntriesCannotEscapeTheDestination) {
   EXPECT_FALSE(qvtest::Exists("/absolute.txt"));
 }
 
-TEST_F(Unpackage, XmlPackageGoesToTheUnzipFolderForItsConversion) {
-  const std::string zip = PackageZip("p.zip");
-  const std::string dest = scratch_.Sub("dest");
-  RunQv({zip, "-unpackage" + dest}, Env());
-  EXPECT_FALSE(qvtest::Exists(Tmp() + "/chktemp"));
-  EXPECT_TRUE(qvtest::IsDir(Tmp() + "/conv"));
-  // It is converted, not extracted as it stands.
-  EXPECT_FALSE(qvtest::Exists(dest + "/QvFormat/QvS.xml"));
-}
-
 TEST_F(Unpackage, RunsSideBySideKeepTheirArchivesApart) {
   constexpr int kPairs = 3;
   std::vector<std::string> plain;

@@ -121,18 +121,4 @@ TEST_F(ArchiveTool, PackageInputSwitchesTheConfigurationForAPackage) {
   EXPECT_FALSE(qvtest::Exists(scratch_.Sub("out")));
 }
 
-TEST_F(ArchiveTool, PackageInputExtractsAPlainArchiveIntoTheOutput) {
-  const std::string zip = MakePlain("q.zip", "a/b.txt");
-  QvConvRunConfig config(U16(zip), U16(scratch_.Sub("out")), u"");
-  config.SetWorkRoot(U16(scratch_.Sub("root/")));
-  QvConvPackageInput input(config);
-  EXPECT_FALSE(input.IsXmlPackage());
-  input.Unpack();
-  EXPECT_EQ(qvtest::ReadFile(scratch_.Sub("out/a/b.txt")), "plain");
-  EXPECT_EQ(qvtest::U8(input.UnzipFolder()), scratch_.Sub("root/unzip"));
-  EXPECT_FALSE(qvtest::Exists(scratch_.Sub("root")));
-  EXPECT_EQ(config.InputKind(), KindProject);
-  EXPECT_EQ(qvtest::U8(config.InputPath()), zip);
-}
-
 }  // namespace
