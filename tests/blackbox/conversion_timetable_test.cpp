@@ -240,3 +240,43 @@ TEST_F(ConversionTimeTable, QuotedPackagePathIsTheSamePath) {
 
 }  // namespace
 }  // namespace qvtest
+
+namespace qvtest {
+namespace {
+
+class ConversionTimeTableText : public BlackBoxTest {};
+
+TEST_F(ConversionTimeTableText, DefaultFlagAndFileNamesAreReadAsWritten) {
+  // The default column is true in any case of the word, and only then; the
+  // name of the list keeps its escaped comma and backslash.
+  p_.Schedule({ScheduleEntry("2035/01/01", "TimeTable_a.csv", "TRUE"),
+               ScheduleEntry("2035/01/02", "TimeTable_a.csv", "1"),
+               {"2035/01/03", "TimeTable_a.csv"}},
+              "Schedule.csv", "a,b\\c", "1");
+  p_.TimeTable("TimeTable_a.csv", "A", {CommandLine("06:00:00", "1", "x")});
+  ASSERT_EQ(Package().status, 0);
+  XmlNode qv = Doc("QvS.xml");
+  const XmlNode& sl = qv.At("sl");
+  EXPECT_EQ(sl.Attr("n"), "a,b\\c");
+  EXPECT_EQ(sl.Attr("ad"), "t");
+  auto entries = sl.All("s");
+  ASSERT_EQ(entries.size(), 3u);
+  EXPECT_EQ(entries[0]->Attr("df"), "t");
+  EXPECT_EQ(entries[1]->Attr("df"), "f");
+  EXPECT_EQ(entries[2]->Attr("df"), "f") << "two columns: not the default";
+}
+
+TEST_F(ConversionTimeTableText, OverlongLineEndsTheFile) {
+  p_.Schedule({ScheduleEntry("2035/01/01", "TimeTable_a.csv")});
+  std::string text = Cp932("A\r\n0xD4F0FF\r\n06:00:00,,1,,1,first\r\n") + "07:00:00,,1,,1," +
+                     std::string(2000, 'x') + "\r\n08:00:00,,1,,1,third\r\n";
+  p_.File("TimeTable_a.csv", text);
+  ASSERT_EQ(Package().status, 0);
+  XmlNode tt = Doc("QvT/TM1.xml");
+  auto rows = tt.At("tl").All("tb");
+  ASSERT_EQ(rows.size(), 1u) << "a line of 1024 bytes or more ends the read, quietly";
+  EXPECT_EQ(rows[0]->At("co").Attr("ti"), "first");
+}
+
+}  // namespace
+}  // namespace qvtest
