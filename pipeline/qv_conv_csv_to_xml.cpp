@@ -7,8 +7,8 @@
 #include "app/qv_conv_exception.h"
 #include "csv/qvf_read_csv.h"
 #include "platform/file_system.h"
+#include "pipeline/pipeline_steps.h"
 #include "pipeline/telop_copy.h"
-#include "workspace/archive_tool.h"
 #include "workspace/file_tree.h"
 #include "workspace/project_path.h"
 #include "workspace/work_folder.h"
@@ -23,15 +23,6 @@ namespace fmt = qvformat::format;
 constexpr const char16_t* kPaneFiles[] = {
     u"playlist_0.csv", u"playlist_1.csv", u"playlist_2.csv", u"playlist_3.csv", u"playlist_4.csv",
     u"playlist_5.csv", u"playlist_6.csv", u"playlist_7.csv", u"playlist_8.csv"};
-
-// Makes a folder; with `exists_ok` false a folder that is there already counts
-// as a failure too.  Either way a failure is code -3.
-void MakeFolder(const std::u16string& path, bool exists_ok) {
-  const platform::MakeDirResult result = platform::MakeDirectory(path);
-  if (result == platform::MakeDirResult::kCreated) return;
-  if (result == platform::MakeDirResult::kExists && exists_ok && platform::IsDirectory(path)) return;
-  ThrowCode(codes::kCannotCreate);
-}
 
 bool CanOpenForReading(const std::u16string& path) {
   std::string nothing;
@@ -75,8 +66,8 @@ void QvConvCsvToXml::Run() {
     if (work.empty()) ThrowCode(codes::kCannotCreate);
     const std::u16string format = work + u"/QvFormat";
     const std::u16string temp = work + u"/Temp";
-    MakeFolder(format, false);
-    MakeFolder(temp, false);
+    MakeFolder(format, ExistingFolder::kFails);
+    MakeFolder(temp, ExistingFolder::kFails);
 
     try {
       createReport();
@@ -106,21 +97,7 @@ void QvConvCsvToXml::Run() {
       if (has_error) ThrowCode(codes::kErrorsFound);
     }
 
-    if (!config.CheckOnly()) {
-      if (config.OutputArchive()) {
-        try {
-          PackFolder(format, config.OutputPath(), config.Compress());
-        } catch (const std::exception&) {
-          ThrowCode(codes::kPackFailed);
-        }
-      } else {
-        try {
-          CopyTree(format, config.OutputPath() + u"QvFormat");
-        } catch (const std::exception&) {
-          ThrowCode(codes::kCopyFailed);
-        }
-      }
-    }
+    if (!config.CheckOnly()) DeliverTree(format, config, config.OutputPath() + u"QvFormat");
 
     const bool found = has_result;
     writer.reset();
@@ -155,7 +132,7 @@ void QvConvCsvToXml::ConvertTimeTables(Reader& reader, Writer& writer, const std
                                        const std::u16string& format) {
   try {
     const std::vector<std::u16string> names = reader.index().timetableFiles();
-    MakeFolder(format + u"/QvT", false);
+    MakeFolder(format + u"/QvT", ExistingFolder::kFails);
     for (const std::u16string& name : names) {
       const std::u16string path = JoinPath(input, name);
       // A time table that the schedule names and the project lacks is passed over.
@@ -185,14 +162,14 @@ void QvConvCsvToXml::ConvertPrograms(Reader& reader, Writer& writer, const std::
                                      const std::u16string& format) {
   try {
     const std::vector<std::u16string> folders = reader.index().programFolders();
-    MakeFolder(format + u"/QvP", false);
+    MakeFolder(format + u"/QvP", ExistingFolder::kFails);
     for (const std::u16string& f : folders) {
       pane_override = -1;
       const std::u16string folder = JoinPath(input, f);
       const std::u16string csv = folder + u"/program.csv";
       const std::u16string id = reader.index().programId(f);
       const std::u16string target = format + u"/QvP/" + id;
-      MakeFolder(target, true);
+      MakeFolder(target, ExistingFolder::kIsFine);
       checkFile(checker::ChProgram, csv);
       std::unique_ptr<fmt::QvFProgram> program = reader.readProgram(csv);
       if (!program) ThrowCode(codes::kProjectFileBad);
@@ -230,7 +207,7 @@ void QvConvCsvToXml::ConvertPrograms(Reader& reader, Writer& writer, const std::
 void QvConvCsvToXml::CopyContents(Reader& reader, const std::u16string& input,
                                   const std::u16string& format, const std::u16string& /*temp*/) {
   if (check_only) return;
-  MakeFolder(format + u"/QvC", false);
+  MakeFolder(format + u"/QvC", ExistingFolder::kFails);
   try {
     for (const io::csv::QvFCsvContentFile& file : reader.index().content_files) {
       // A path relative to a program folder becomes relative to the project

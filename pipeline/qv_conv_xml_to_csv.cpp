@@ -7,8 +7,7 @@
 #include "app/qv_conv_exception.h"
 #include "csv/qvf_write_csv.h"
 #include "pipeline/package_names.h"
-#include "platform/file_system.h"
-#include "workspace/archive_tool.h"
+#include "pipeline/pipeline_steps.h"
 #include "workspace/file_tree.h"
 #include "workspace/work_folder.h"
 #include "xml/qvf_read_xml.h"
@@ -20,13 +19,6 @@ namespace {
 namespace fmt = qvformat::format;
 using io::csv::QvFWriteCsv;
 using qvformat::format::io::xml::QvFReadXml;
-
-// Makes a folder that may exist already; any other failure is code -3.
-void MakeFolder(const std::u16string& path) {
-  if (platform::MakeDirectory(path) == platform::MakeDirResult::kFailed) {
-    ThrowCode(codes::kCannotCreate);
-  }
-}
 
 }  // namespace
 
@@ -48,9 +40,7 @@ void QvConvXmlToCsv::Convert(std::u16string& work) {
   work = MakeWorkFolder(config.ConversionRoot(), u"QvConv");
   if (work.empty()) ThrowCode(codes::kCannotCreate);
   const std::u16string out = work + u"/QvFormat";
-  if (platform::MakeDirectory(out) != platform::MakeDirResult::kCreated) {
-    ThrowCode(codes::kCannotCreate);
-  }
+  MakeFolder(out, ExistingFolder::kFails);
   const std::u16string src = config.InputPath() + u"/QvFormat";
 
   // The schedule names the time tables ...
@@ -83,8 +73,8 @@ void QvConvXmlToCsv::Convert(std::u16string& work) {
     if (!IsPlainName(id)) ThrowCode(codes::kXmlUnreadable);
     const std::u16string source = src + u"/QvP/" + id;
     const std::u16string target = out + u"/" + writer->programFolderName(id);
-    MakeFolder(target);
-    MakeFolder(target + u"/" + QvFWriteCsv::informationFolderName());
+    MakeFolder(target, ExistingFolder::kIsFine);
+    MakeFolder(target + u"/" + QvFWriteCsv::informationFolderName(), ExistingFolder::kIsFine);
     std::unique_ptr<fmt::QvFProgram> program = reader->readProgram(DocumentPath(source, id));
     writer->outputProgram(target + u"/" + QvFWriteCsv::programFileName(), *program);
 
@@ -104,7 +94,7 @@ void QvConvXmlToCsv::Convert(std::u16string& work) {
   }
 
   // Content files come last: their names are known only now.
-  MakeFolder(out + u"/" + QvFWriteCsv::contentsFolderName());
+  MakeFolder(out + u"/" + QvFWriteCsv::contentsFolderName(), ExistingFolder::kIsFine);
   for (const auto& [id, name] : content_names) {
     // A name that could lead out of the package or the project is left out.
     if (!IsPlainName(name)) continue;
@@ -115,22 +105,10 @@ void QvConvXmlToCsv::Convert(std::u16string& work) {
     }
   }
 
-  if (config.OutputArchive()) {
-    try {
-      PackFolder(out, config.OutputPath(), config.Compress());
-    } catch (const std::exception&) {
-      ThrowCode(codes::kPackFailed);
-    }
-  } else {
-    try {
-      CopyTree(out, config.OutputPath());
-    } catch (const std::exception&) {
-      ThrowCode(codes::kCopyFailed);
-    }
-    // Only an opened package is ours to remove; a folder that the caller
-    // named as input stays.
-    if (config.Unpackage()) DeleteTree(config.InputPath());
-  }
+  DeliverTree(out, config, config.OutputPath());
+  // Only an opened package is ours to remove; a folder that the caller named
+  // as input stays.
+  if (!config.OutputArchive() && config.Unpackage()) DeleteTree(config.InputPath());
 
   writer.reset();
   reader.reset();

@@ -6,8 +6,7 @@
 
 #include "app/qv_conv_exception.h"
 #include "pipeline/package_names.h"
-#include "platform/file_system.h"
-#include "workspace/archive_tool.h"
+#include "pipeline/pipeline_steps.h"
 #include "workspace/file_tree.h"
 #include "workspace/work_folder.h"
 #include "xml/qvf_read_xml.h"
@@ -20,12 +19,6 @@ namespace {
 namespace fmt = qvformat::format;
 using qvformat::format::io::xml::QvFReadXml;
 using qvformat::format::io::xml::QvFWriteXml;
-
-void MakeFolder(const std::u16string& path) {
-  if (platform::MakeDirectory(path) == platform::MakeDirResult::kFailed) {
-    ThrowCode(codes::kCannotCreate);
-  }
-}
 
 // The file name of an item's content: its reference and the extension of its
 // kind and type; none for a blank item or a type without an extension.
@@ -62,7 +55,7 @@ void QvConvXmlToXml::Rewrite() {
   const std::u16string work = MakeWorkFolder(config.WorkRoot(), u"QvConv");
   if (work.empty()) ThrowCode(codes::kCannotCreate);
   const std::u16string format = work + u"/QvFormat";
-  MakeFolder(format);
+  MakeFolder(format, ExistingFolder::kIsFine);
   const std::u16string input = config.InputPath();
 
   FirstReferenceList timetables;
@@ -74,7 +67,7 @@ void QvConvXmlToXml::Rewrite() {
     }
   }
 
-  MakeFolder(format + u"/QvT");
+  MakeFolder(format + u"/QvT", ExistingFolder::kIsFine);
   FirstReferenceList programs;
   for (const std::u16string& id : timetables.items()) {
     std::unique_ptr<fmt::QvFTimeTable> table = reader->readTimeTable(DocumentPath(input + u"QvT", id));
@@ -84,13 +77,13 @@ void QvConvXmlToXml::Rewrite() {
     }
   }
 
-  MakeFolder(format + u"/QvP");
+  MakeFolder(format + u"/QvP", ExistingFolder::kIsFine);
   FirstReferenceList contents;
   for (const std::u16string& id : programs.items()) {
     if (!IsPlainName(id)) ThrowCode(codes::kXmlUnreadable);
     const std::u16string source = input + u"QvP/" + id;
     const std::u16string target = format + u"/QvP/" + id;
-    MakeFolder(target);
+    MakeFolder(target, ExistingFolder::kIsFine);
     std::unique_ptr<fmt::QvFProgram> program = reader->readProgram(DocumentPath(source, id));
     writer->outputProgram(target + u"/" + id + u".xml", *program);
     for (const fmt::QvFPane& pane : program->pane_info.panes) {
@@ -104,7 +97,7 @@ void QvConvXmlToXml::Rewrite() {
     }
   }
 
-  MakeFolder(format + u"/QvC");
+  MakeFolder(format + u"/QvC", ExistingFolder::kIsFine);
   for (const std::u16string& name : contents.items()) {
     // A name that could lead out of the tree is left out, like a missing file.
     if (!IsPlainName(name)) continue;
@@ -115,19 +108,7 @@ void QvConvXmlToXml::Rewrite() {
     }
   }
 
-  if (config.OutputArchive()) {
-    try {
-      PackFolder(format, config.OutputPath(), config.Compress());
-    } catch (const std::exception&) {
-      ThrowCode(codes::kPackFailed);
-    }
-  } else {
-    try {
-      CopyTree(format, config.OutputPath() + u"QvFormat");
-    } catch (const std::exception&) {
-      ThrowCode(codes::kCopyFailed);
-    }
-  }
+  DeliverTree(format, config, config.OutputPath() + u"QvFormat");
 
   writer.reset();
   reader.reset();
