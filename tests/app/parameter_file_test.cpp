@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "app/qv_conv_exception.h"
 #include "app/qv_conv_run_config.h"
@@ -12,13 +13,11 @@ using namespace quorvane::qvconv::converter;
 
 class ParameterFile : public testing::Test {
  protected:
-  // Reads `xml` as a parameter file into config_; the failure code, or 0.
-  int Read(const std::string& xml) {
-    const std::string path = scratch_.Sub("param" + std::to_string(count_++) + ".xml");
-    qvtest::WriteFile(path, xml);
-    return ReadPath(path);
-  }
-  int ReadPath(const std::string& path) {
+  // Reads `text` as a parameter file into a fresh config_; the failure code, or 0.
+  int ReadText(const std::string& text) {
+    const std::string path = scratch_.Sub("param.xml");
+    qvtest::WriteFile(path, text);
+    config_ = QvConvRunConfig();
     try {
       config_.ReadParameterFile(qvtest::U16(path));
     } catch (QvConvException* failure) {
@@ -28,95 +27,56 @@ class ParameterFile : public testing::Test {
     }
     return 0;
   }
+  int Read(const std::string& xml) {
+    return ReadText("<QvConvParameter>" + xml + "</QvConvParameter>");
+  }
+  // Input kind, output kind, input archive, output archive, compress.
+  std::vector<int> State() const {
+    return {config_.InputKind(), config_.OutputKind(), config_.InputArchive(),
+            config_.OutputArchive(), config_.Compress()};
+  }
 
   qvtest::ScratchDir scratch_;
   QvConvRunConfig config_;
-  int count_ = 0;
 };
 
-TEST_F(ParameterFile, RootAloneKeepsEveryDefault) {
-  EXPECT_EQ(Read("<QvConvParameter/>"), 0);
-  EXPECT_EQ(config_.InputKind(), KindProject);
-  EXPECT_EQ(config_.OutputKind(), KindCompact);
-  EXPECT_TRUE(!config_.InputArchive() && config_.OutputArchive() && !config_.Compress());
-  EXPECT_EQ(config_.ParameterPath(), qvtest::U16(scratch_.Sub("param0.xml")));
-}
-
-TEST_F(ParameterFile, EveryAllowedValue) {
-  EXPECT_EQ(Read("<?xml version='1.0'?><QvConvParameter version='1.0'>"
-                 "<Input format='application/x-qvf-debug' archive='yes'/>"
-                 "<Output format='application/x-quorvane' archive='no' compress='yes'/>"
-                 "</QvConvParameter>"),
-            0);
-  EXPECT_EQ(config_.InputKind(), KindDebug);
-  EXPECT_EQ(config_.OutputKind(), KindProject);
-  EXPECT_TRUE(config_.InputArchive() && !config_.OutputArchive() && config_.Compress());
-
-  EXPECT_EQ(Read("<QvConvParameter><Input format='application/x-qvf' archive='no'/>"
-                 "<Output format='application/x-qvf-debug' archive='yes' compress='no'/>"
-                 "</QvConvParameter>"),
-            0);
-  EXPECT_EQ(config_.InputKind(), KindCompact);
-  EXPECT_EQ(config_.OutputKind(), KindDebug);
-  EXPECT_TRUE(!config_.InputArchive() && config_.OutputArchive() && !config_.Compress());
-
-  EXPECT_EQ(Read("<QvConvParameter><Input format='application/x-quorvane'/>"
-                 "<Output format='application/x-qvf'/></QvConvParameter>"),
-            0);
-  EXPECT_EQ(config_.InputKind(), KindProject);
-  EXPECT_EQ(config_.OutputKind(), KindCompact);
-}
-
-TEST_F(ParameterFile, LaterElementsWinPerAttributeAndOthersArePassedOver) {
-  EXPECT_EQ(Read("<QvConvParameter version=''>text"
-                 "<Output format='application/x-qvf-debug' archive='no'/>"
-                 "<!-- a comment --><Other format='bad'/><Input unknown='x'/>"
-                 "<Output compress='yes' format=''/>"
-                 "<Group><Input format='bad'/></Group>"
-                 "</QvConvParameter>"),
-            0);
-  EXPECT_EQ(config_.OutputKind(), KindDebug);  // an empty value keeps the earlier one
-  EXPECT_FALSE(config_.OutputArchive());
-  EXPECT_TRUE(config_.Compress());
-}
-
-TEST_F(ParameterFile, WrongValuesAre201) {
-  for (const char* xml : {
-           "<QvConvParameter version='2.0'/>",
-           "<qvconvparameter/>",
-           "<Parameter/>",
-           "<QvConvParameter><Input format='application/x-qvf '/></QvConvParameter>",
-           "<QvConvParameter><Output format='application/x-QVF'/></QvConvParameter>",
-           "<QvConvParameter><Input archive='Yes'/></QvConvParameter>",
-           "<QvConvParameter><Output archive='true'/></QvConvParameter>",
-           "<QvConvParameter><Output compress='1'/></QvConvParameter>",
-       }) {
-    QvConvRunConfig fresh;
-    config_ = fresh;
-    EXPECT_EQ(Read(xml), -201) << xml;
+TEST_F(ParameterFile, AllowedValuesAndDefaults) {
+  const std::pair<const char*, std::vector<int>> cases[] = {
+      {"", {KindProject, KindCompact, 0, 1, 0}},
+      {"<Input format='application/x-qvf-debug' archive='yes'/>"
+       "<Output format='application/x-quorvane' archive='no' compress='yes'/>",
+       {KindDebug, KindProject, 1, 0, 1}},
+      {"<Input format='application/x-qvf' archive='no'/>"
+       "<Output format='application/x-qvf-debug' archive='yes' compress='no'/>",
+       {KindCompact, KindDebug, 0, 1, 0}},
+      // Later elements win per attribute; an empty value keeps the earlier one;
+      // other elements, nested ones and unknown attributes are passed over.
+      {"text<Output format='application/x-qvf-debug' archive='no'/><!-- c --><Other format='bad'/>"
+       "<Input unknown='x'/><Output compress='yes' format=''/><Group><Input format='bad'/></Group>",
+       {KindProject, KindDebug, 0, 0, 1}},
+  };
+  for (const auto& [xml, state] : cases) {
+    EXPECT_EQ(Read(xml), 0) << xml;
+    EXPECT_EQ(State(), state) << xml;
   }
 }
 
-TEST_F(ParameterFile, OutputFormatIsSetBeforeABadCompress) {
-  EXPECT_EQ(Read("<QvConvParameter><Output format='application/x-qvf-debug' compress='maybe'/>"
-                 "</QvConvParameter>"),
-            -201);
+TEST_F(ParameterFile, WrongValuesAre201AndUnreadableFiles300) {
+  for (const char* xml : {
+           "<Input format='application/x-qvf '/>",
+           "<Output format='application/x-QVF'/>",
+           "<Input archive='Yes'/>",
+           "<Output archive='true'/>",
+       }) {
+    EXPECT_EQ(Read(xml), -201) << xml;
+  }
+  EXPECT_EQ(ReadText("<QvConvParameter version='2.0'/>"), -201);
+  EXPECT_EQ(ReadText("<qvconvparameter/>"), -201);
+  // The format is set before a bad compress value stops the read.
+  EXPECT_EQ(Read("<Output format='application/x-qvf-debug' compress='maybe'/>"), -201);
   EXPECT_EQ(config_.OutputKind(), KindDebug);
-}
-
-TEST_F(ParameterFile, UnreadableFilesAre300) {
-  EXPECT_EQ(ReadPath(scratch_.Sub("missing.xml")), -300);
-  EXPECT_EQ(Read("<QvConvParameter><Input></QvConvParameter>"), -300);
-  EXPECT_EQ(Read(""), -300);
-}
-
-TEST_F(ParameterFile, ReadByTheConstructor) {
-  const std::string path = scratch_.Sub("p.xml");
-  qvtest::WriteFile(path, "<QvConvParameter><Output format='application/x-qvf-debug'/></QvConvParameter>");
-  const QvConvRunConfig config(u"in", u"out", qvtest::U16(path));
-  EXPECT_EQ(config.OutputKind(), KindDebug);
-  EXPECT_EQ(config.InputPath(), u"in");
-  EXPECT_EQ(config.ParameterPath(), qvtest::U16(path));
+  EXPECT_EQ(Read("<Input>"), -300);
+  EXPECT_EQ(ReadText(""), -300);
 }
 
 }  // namespace
