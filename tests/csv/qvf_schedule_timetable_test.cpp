@@ -42,8 +42,8 @@ class CsvScheduleTimeTable : public ::testing::Test {
 };
 
 TEST_F(CsvScheduleTimeTable, ScheduleReadTakesNamesFlagsAndDates) {
-  f::QvFSchedule s = reader_.readSchedule(Project("s.csv",
-      "週間予定\n1\n2024/3/9,表.csv,TRUE\n,b.csv\n2025/12/31,表.csv,1\n,,\n"));
+  f::QvFSchedule s = reader_.readSchedule(
+      Project("s.csv", "週間予定\n1\n2024/3/9,表.csv,TRUE\n,b.csv\n2025/12/31,表.csv,1\n,,\n"));
   EXPECT_EQ(s.version, u"1.0");
   EXPECT_EQ(s.schedule_list.name, U16("週間予定"));
   EXPECT_EQ(s.schedule_list.add, std::optional<bool>(true));
@@ -73,34 +73,7 @@ TEST_F(CsvScheduleTimeTable, ScheduleReadShortFilesAndLines) {
   EXPECT_EQ(CodeOf([&] { reader_.readSchedule(Path("missing.csv")); }), -101);
 }
 
-TEST_F(CsvScheduleTimeTable, ScheduleWriteAndReadBack) {
-  f::QvFSchedule s;
-  s.schedule_list.name = U16("名前,ソ");
-  for (int i = 0; i < 3; ++i) {
-    f::QvFScheduleEntry e;
-    f::ParseDate(i == 0 ? u"2024/1/2" : u"2030/11/30", e.date);
-    e.ref_timetable = i == 2 ? u"TM9" : u"TM4";
-    e.default_ = i == 1;
-    s.schedule_list.schedules.push_back(e);
-  }
-  writer_.outputSchedule(Path("out.csv"), s);
-  EXPECT_EQ(Bytes("out.csv"), Cp932("名前\\,ソ\r\nfalse\r\n"
-                                    "2024/01/02,TimeTable_20240101_000000_001.csv,false\r\n"
-                                    "2030/11/30,TimeTable_20240101_000000_001.csv,true\r\n"
-                                    "2030/11/30,TimeTable_20240101_000000_002.csv,false\r\n"));
-
-  f::QvFSchedule back = reader_.readSchedule(Path("out.csv"));
-  EXPECT_EQ(back.schedule_list.name, s.schedule_list.name);
-  EXPECT_EQ(back.schedule_list.add, std::optional<bool>(false));  // absent comes back false
-  ASSERT_EQ(back.schedule_list.schedules.size(), 3u);
-  const char16_t* ids[] = {u"TM1", u"TM1", u"TM2"};  // new numbers, same places
-  for (int i = 0; i < 3; ++i) {
-    const f::QvFScheduleEntry& e = back.schedule_list.schedules[i];
-    EXPECT_EQ(f::FormatDate(e.date), f::FormatDate(s.schedule_list.schedules[i].date));
-    EXPECT_EQ(e.default_, s.schedule_list.schedules[i].default_);
-    EXPECT_EQ(e.ref_timetable.text, ids[i]);
-  }
-
+TEST_F(CsvScheduleTimeTable, ScheduleWriteOfAnEmptyList) {
   f::QvFSchedule none;
   none.schedule_list.add = true;
   writer_.outputSchedule(Path("none.csv"), none);
@@ -110,35 +83,31 @@ TEST_F(CsvScheduleTimeTable, ScheduleWriteAndReadBack) {
 
 TEST_F(CsvScheduleTimeTable, TimeTableReadRowKinds) {
   auto t = reader_.readTimeTable(Project("t.csv",
-      "朝\n0xD4F0FF\n"
-      "08:00:00,09:30:00,0,番組A,0,\n"
-      "9:5:1,,0,番組B\n"
-      "10:00:00,,1,,3,HDMI1\n"
-      "11:00:00,x,1,y,,\n"
-      "12:00:00,,2\n"
-      "13:00:00,14:00:00,0,番組A,0,\n"));
+                                         "朝\n0xD4F0FF\n"
+                                         "08:00:00,09:30:00,0,番組A,0,\n"
+                                         "9:5:1,,0,番組B\n"
+                                         "10:00:00,,1,,3,HDMI1\n"
+                                         "11:00:00,x,1,y,,\n"
+                                         "12:00:00,,2\n"
+                                         "13:00:00,14:00:00,0,番組A,0,\n"));
   EXPECT_EQ(t->table_list.name, U16("朝"));
-  const auto& rows = t->table_list.tables;
-  ASSERT_EQ(rows.size(), 6u);
-  ASSERT_TRUE(rows[0].program.has_value());
-  EXPECT_EQ(f::FormatTime(rows[0].program->start_time), u"08:00:00");
-  EXPECT_EQ(f::FormatTime(rows[0].program->end_time), u"09:30:00");
-  EXPECT_EQ(rows[0].program->ref_program.text, u"PG1");
-  EXPECT_EQ(f::FormatTime(rows[1].program->start_time), u"09:05:01");
-  EXPECT_EQ(rows[1].program->ref_program.text, u"PG2");
-
-  ASSERT_TRUE(rows[2].command.has_value());
-  EXPECT_EQ(f::FormatTime(rows[2].command->start_time), u"10:00:00");
-  EXPECT_EQ(rows[2].command->type, 3);
-  EXPECT_EQ(rows[2].command->target_input, u"HDMI1");
-  EXPECT_EQ(rows[3].command->type, 0);
-  EXPECT_TRUE(rows[3].command->target_input.empty());
-
-  EXPECT_FALSE(rows[4].program.has_value());
-  EXPECT_FALSE(rows[4].command.has_value());
-  EXPECT_EQ(rows[5].program->ref_program.text, u"PG1");
+  // Start, then the program or the command's type and input, of each row.
+  std::string rows;
+  for (const f::QvFTable& row : t->table_list.tables) {
+    if (row.program) {
+      rows +=
+          qvtest::U8(f::FormatTime(row.program->start_time) + u" " + row.program->ref_program.text);
+    } else if (row.command) {
+      rows += qvtest::U8(f::FormatTime(row.command->start_time) + u" " +
+                         f::FormatInt(row.command->type) + u" " + row.command->target_input);
+    }
+    rows += ";";
+  }
+  EXPECT_EQ(rows, "08:00:00 PG1;09:05:01 PG2;10:00:00 3 HDMI1;11:00:00 0 ;;13:00:00 PG1;");
+  EXPECT_EQ(f::FormatTime(t->table_list.tables[0].program->end_time), u"09:30:00");
   // Command lines add nothing to the program folders.
-  EXPECT_EQ(reader_.index().programFolders(), (std::vector<std::u16string>{U16("番組A"), U16("番組B")}));
+  EXPECT_EQ(reader_.index().programFolders(),
+            (std::vector<std::u16string>{U16("番組A"), U16("番組B")}));
 
   auto two = reader_.readTimeTable(Project("two.csv", "name\n0xD4F0FF\n"));
   EXPECT_TRUE(two->table_list.tables.empty());
@@ -146,12 +115,13 @@ TEST_F(CsvScheduleTimeTable, TimeTableReadRowKinds) {
 
 TEST_F(CsvScheduleTimeTable, TimeTableLinesTooShortEndTheRead) {
   for (std::string line : {"", "08:00:00,09:00:00", "08:00:00,09:00:00,0", "08:00:00,,1,,3"}) {
-    EXPECT_EQ(CodeOf([&] { reader_.readTimeTable(Project("s.csv", "n\nc\n" + line + "\n")); }), -102)
+    EXPECT_EQ(CodeOf([&] { reader_.readTimeTable(Project("s.csv", "n\nc\n" + line + "\n")); }),
+              -102)
         << line;
   }
 }
 
-TEST_F(CsvScheduleTimeTable, TimeTableWriteAndReadBack) {
+TEST_F(CsvScheduleTimeTable, TimeTableWrite) {
   f::QvFTimeTable t;
   t.table_list.name = U16("夜の表");
   f::QvFTable program_row;
@@ -176,21 +146,6 @@ TEST_F(CsvScheduleTimeTable, TimeTableWriteAndReadBack) {
                                    "12:00:30,,1,,-4,in\\,1\r\n"
                                    "07:05:03,23:59:59,0,Program_20240101_000000_002,0,\r\n"
                                    "07:05:03,23:59:59,0,Program_20240101_000000_001,0,\r\n"));
-
-  auto back = reader_.readTimeTable(Path("tt.csv"));
-  EXPECT_EQ(back->table_list.name, t.table_list.name);
-  const auto& rows = back->table_list.tables;
-  ASSERT_EQ(rows.size(), 4u);  // the empty row is not written
-  EXPECT_EQ(f::FormatTime(rows[0].program->start_time), u"07:05:03");
-  EXPECT_EQ(f::FormatTime(rows[0].program->end_time), u"23:59:59");
-  EXPECT_EQ(rows[0].program->ref_program.text, u"PG1");
-  ASSERT_TRUE(rows[1].command.has_value());
-  EXPECT_EQ(f::FormatTime(rows[1].command->start_time), u"12:00:30");
-  EXPECT_EQ(rows[1].command->type, -4);
-  EXPECT_EQ(rows[1].command->target_input, u"in,1");
-  EXPECT_EQ(rows[2].program->ref_program.text, u"PG2");
-  EXPECT_EQ(rows[3].program->ref_program.text, u"PG1");
-
 }
 
 }  // namespace
