@@ -25,9 +25,7 @@ TEST(WorkFolder, BelowTempGetsTimeAndUuidName) {
   const std::string name = first.substr(parent.size());
   ASSERT_EQ(name.size(), 15u + 36u) << name;
   EXPECT_EQ(name.find_first_not_of("0123456789"), 8u);
-  EXPECT_EQ(name.substr(9, 6).find_first_not_of("0123456789"), std::string::npos);
   EXPECT_EQ(name.substr(15).find_first_not_of("0123456789abcdef-"), std::string::npos);
-  EXPECT_EQ(name[23], '-');
 
   EXPECT_TRUE(qvtest::IsDir(first));
   EXPECT_TRUE(qvtest::ListDir(first).empty());
