@@ -43,9 +43,8 @@ std::string MessageLocaleName() {
   return "C";
 }
 
-void WriteStandardError(const std::string& line) {
-  std::fputs(line.c_str(), stderr);
-  std::fputc('\n', stderr);
+void WriteStandardError(const std::string& text) {
+  std::fwrite(text.data(), 1, text.size(), stderr);
   std::fflush(stderr);
 }
 

@@ -23,8 +23,9 @@ std::u16string NewUuid();
 // LC_ALL, else LC_MESSAGES, else LANG, else "C".
 std::string MessageLocaleName();
 
-// Writes a line to standard error (only for the XML library's start-up failure).
-void WriteStandardError(const std::string& line);
+// Writes text to standard error exactly as given, no line end added (only for
+// the XML library's start-up failure).
+void WriteStandardError(const std::string& text);
 
 // An exclusive advisory lock on a file, made if missing; released at
 // destruction or process end.  Lets runs side by side take turns on a
