@@ -1,6 +1,9 @@
 // DOMPrintFilter: the node filter of the serialiser.  It lets elements and
-// attributes through and drops a document type node (no scenario document has
-// one); every node type outside its mask is passed through untouched.
+// attributes through and refuses a document type node; every node type outside
+// its mask is passed through untouched.  Xerces' serialiser does not offer the
+// document type node to a filter, so a document that was parsed with one would
+// keep it; the program never writes a parsed document out (every document it
+// writes is built anew from records), so none of its output has one.
 #ifndef QV_XML_DOM_PRINT_FILTER_H_
 #define QV_XML_DOM_PRINT_FILTER_H_
 
