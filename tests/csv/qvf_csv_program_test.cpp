@@ -68,13 +68,13 @@ class CsvProgram : public ::testing::Test {
     return U16(dir_.Sub("P/" + name));
   }
   // A playlist of folder P with its items, read as the conversion reads it.
-  f::QvFPlaylist ReadPlaylist(QvFReadCsv& reader, const std::string& name) {
-    QvFCsvProgramEntry& entry = reader.index().programEntry(u"PG1");
+  f::QvFPlaylist ReadPlaylist(const std::string& name) {
+    QvFCsvProgramEntry& entry = reader_.index().programEntry(u"PG1");
     std::size_t next = entry.contents_paths.size();
-    f::QvFPlaylist playlist = reader.readPlaylist(U16(dir_.Sub("P/" + name)));
+    f::QvFPlaylist playlist = reader_.readPlaylist(U16(dir_.Sub("P/" + name)));
     for (; next < entry.contents_paths.size(); ++next) {
-      reader.readContents(converter::JoinPath(U16(dir_.Sub("P")), entry.contents_paths[next]),
-                          playlist, entry);
+      reader_.readContents(converter::JoinPath(U16(dir_.Sub("P")), entry.contents_paths[next]),
+                           playlist, entry);
     }
     return playlist;
   }
@@ -92,28 +92,24 @@ class CsvProgram : public ::testing::Test {
 
 TEST_F(CsvProgram, ReadTakesFrameAndPanesByNumber) {
   reader_.index().addProgramId(u"番組");
-  // A backslash cuts the path as a slash does.
+  // A backslash cuts the path as a slash does. Lines 9, 7 and the exact
+  // "false" give no pane, "FALSE" and "" do not skip; one file is one playlist.
   auto p = reader_.readProgram(
       Write("番組\\program.csv",
-            "朝の番組\n0xD4F0FF,10,20,1920,1080,01:02:03,true\n0,playlist_0.csv,0,0,0,0,"
-            "0x80112233\n9,x.csv\n"
-            "7,playlist_7.csv,1,1,1,1,bad,true,0,true\n3,b.csv,1,2,3,4,#ff0000,1,0,true\n"
+            "朝の番組\n0xD4F0FF,10,20,1920,1080,01:02:03,true\n0,playlist_0.csv,0,0,0,0,0x80112233\n"
+            "9,x.csv\n7,playlist_7.csv,1,1,1,1,bad,true,0,true\n3,b.csv,1,2,3,4,#ff0000,1,0,true\n"
             "1,a.csv,5,6,7,8,0x00ff00,x,0,FALSE\n2,c.csv,0,0,0,0,0x0000ff,false,0,false\n"
             "5,t.csv,0,0,0,0,nocolour,true,0,\n4,b.csv,0,0,9,9,0x010101,0,0,yes\n"));
-  EXPECT_EQ(p->id.text, u"PG2");
-  EXPECT_EQ(p->name, U16("朝の番組"));
+  EXPECT_EQ(U8(p->id.text + u" " + p->name + u" " + f::FormatTime(p->program_info.program_time)),
+            "PG2 朝の番組 01:02:03");
   const f::QvFProgramInfo& info = p->program_info;
-  EXPECT_EQ(f::FormatTime(info.program_time), u"01:02:03");
   EXPECT_EQ(info.region.x + info.region.height, 1090);
   EXPECT_EQ(info.layout_lock, std::optional<bool>(true));
   EXPECT_EQ(f::FormatColorHex(info.background_color), u"0x80112233");
-  // Lines 9, 7 and the exact "false" give no pane; "FALSE" and "" do not
-  // skip; one file named twice is one playlist.
   EXPECT_EQ(Panes(*p), (std::vector<std::string>{"PL1 1 3 true", "PL2 5 7 false", "PL3 0 0 true",
                                                  "PL1 0 9 false"}));
   const QvFCsvProgramEntry* entry = reader_.index().findProgramEntry(u"PG2");
   EXPECT_EQ(entry->background_text, u"0x80112233");
-  EXPECT_EQ(entry->playlist_ids.count(u"c.csv"), 0u);
   EXPECT_EQ(entry->playlist_colors, (QvFNameMap{{u"a.csv", u"0x00ff00"}, {u"b.csv", u"0x010101"}}));
 }
 
@@ -183,32 +179,23 @@ TEST_F(CsvProgram, BadContentsLines) {
   }
 }
 
+// A placeholder stands only for empty playlists before the first items; a
+// kind 7 item takes the program's colour.
 TEST_F(CsvProgram, PlaceholderOnlyBeforeTheFirstItems) {
   Write("program.csv",
-        "n\n0x0,0,0,0,0,\n0,playlist_0.csv,0,0,0,0,0x112233\n1,playlist_1.csv,0,0,0,0,#445566,"
-        "false,0,true\n"
-        "2,playlist_2.csv,0,0,0,0,#000000,false,0,true\n3,playlist_3.csv,0,0,0,0,#778899,false,0,"
-        "true\n");
+        "n\n0x0,0,0,0,0,\n0,playlist_0.csv,0,0,0,0,0x112233\n"
+        "1,playlist_1.csv,0,0,0,0,#445566,false,0,true\n2,playlist_2.csv,0,0,0,0,#0,false,0,true\n"
+        "3,playlist_3.csv,0,0,0,0,#778899,false,0,true\n");
   Write("playlist_1.csv", "");
   Write("playlist_2.csv", "information\\\\\\\\c1.csv\n");
   Write("playlist_3.csv", "");
-  Write("playlist_5.csv", "");
   Write("information/c1.csv", "\n7,00:00:09\n");
-  auto describe = [&](QvFReadCsv& reader, const std::string& name) {
-    std::string all;
-    for (const auto& item : ReadPlaylist(reader, name).contents) all += Describe(*item) + ";";
-    return all;
-  };
   reader_.readProgram(U16(dir_.Sub("P/program.csv")));
-  EXPECT_EQ(describe(reader_, "playlist_1.csv"), "2 00:00:00 0 0 0x445566;");
-  EXPECT_EQ(describe(reader_, "playlist_2.csv"),
-            "2 00:00:09 0 0 0x112233;");  // kind 7: the program's colour
-  EXPECT_EQ(describe(reader_, "playlist_3.csv"), "");
-
-  QvFReadCsv other;  // a telop pane's placeholder has no colour
-  other.index().addProgramId(u"P");
-  other.readProgram(U16(dir_.Sub("P/program.csv")));
-  EXPECT_EQ(describe(other, "playlist_5.csv"), "2 00:00:00 0 0 clear;");
+  std::string all;
+  for (const char* name : {"playlist_1.csv", "playlist_2.csv", "playlist_3.csv"}) {
+    for (const auto& item : ReadPlaylist(name).contents) all += Describe(*item) + ";";
+  }
+  EXPECT_EQ(all, "2 00:00:00 0 0 0x445566;2 00:00:09 0 0 0x112233;");
 }
 
 // The writer packs an image's effect into one number; blanks write no line.
