@@ -18,11 +18,7 @@ std::tm FixedNow() {
 
 TEST(ModelRecords, DefaultsKeepAbsentApartFromFalse) {
   EXPECT_FALSE(QvFSchedule().schedule_list.add.has_value());
-  QvFProgram program;
-  EXPECT_EQ(program.program_info.layout_lock, std::optional<bool>(false));
-  EXPECT_FALSE(program.program_info.playlist_file.type.has_value());
-  EXPECT_EQ(program.program_info.playlist_file.mute, std::optional<bool>(false));
-
+  EXPECT_FALSE(QvFProgram().program_info.playlist_file.type.has_value());
   // Every time field starts at the clock.
   SetQvFClock(&FixedNow);
   QvFScheduleEntry entry;
