@@ -10,41 +10,22 @@
 #include <cstdio>
 #include <ctime>
 #include <filesystem>
-#include <memory>
 
 namespace qvtest {
 namespace fs = std::filesystem;
 using namespace xercesc;
-
-// ---- Writing projects ------------------------------------------------------
-
-std::string EscapeField(std::string_view field) {
-  std::string out;
-  for (char c : field) {
-    if (c == '\\') {
-      out += "\\\\";
-    } else if (c == ',') {
-      out += "\\,";
-    } else {
-      out += c;
-    }
-  }
-  return out;
-}
 
 std::string CsvBytes(const Rows& rows) {
   std::string text;
   for (const Row& row : rows) {
     for (size_t i = 0; i < row.size(); ++i) {
       if (i) text += ',';
-      text += EscapeField(row[i]);
+      for (char c : row[i]) text += c == '\\' ? "\\\\" : c == ',' ? "\\," : std::string(1, c);
     }
     text += "\r\n";
   }
   return Cp932(text);
 }
-
-void WriteCsv(const std::string& path, const Rows& rows) { WriteFile(path, CsvBytes(rows)); }
 
 Row ScheduleEntry(const std::string& date, const std::string& timetable,
                   const std::string& is_default) {
@@ -59,34 +40,21 @@ Row CommandLine(const std::string& start, const std::string& type, const std::st
   return {start, "", "1", "", type, input};
 }
 
-Row ItemLine::ToRow() const {
-  return {kind,       time,       "",         "false",    color,      aspect, "",
-          "0",        "0",        "0",        volume,     effect,     effect_time,
-          "0",        frame_move, frame_move, frame_move, frame_move, end_code};
-}
-
 Item MovieItem(const std::string& file, const std::string& time) {
-  Item item;
-  item.path_cell = "..\\contents\\" + file;
+  Item item{"..\\contents\\" + file, {}, {}};
   item.line.time = time;
   return item;
 }
 
 Item ImageItem(const std::string& file, const std::string& effect,
                const std::string& effect_time) {
-  Item item;
-  item.path_cell = "..\\contents\\" + file;
+  Item item = MovieItem(file, "00:00:10");
   item.line.effect = effect;
   item.line.effect_time = effect_time;
   return item;
 }
 
-Item TelopItem(const std::string& file) {
-  Item item;
-  item.path_cell = "..\\contents\\" + file;
-  item.line.time = "00:00:20";
-  return item;
-}
+Item TelopItem(const std::string& file) { return MovieItem(file, "00:00:20"); }
 
 Item BlankItem(const std::string& kind) {
   Item item;
@@ -112,14 +80,14 @@ void ProjectBuilder::Schedule(const Rows& entries, const std::string& file,
                               const std::string& title, const std::string& add) {
   Rows rows{{title}, {add}};
   rows.insert(rows.end(), entries.begin(), entries.end());
-  WriteCsv(Path(file), rows);
+  WriteFile(Path(file), CsvBytes(rows));
 }
 
 void ProjectBuilder::TimeTable(const std::string& file, const std::string& title,
                                const Rows& lines) {
   Rows rows{{title}, {"0xD4F0FF"}};
   rows.insert(rows.end(), lines.begin(), lines.end());
-  WriteCsv(Path(file), rows);
+  WriteFile(Path(file), CsvBytes(rows));
 }
 
 void ProjectBuilder::Program(const std::string& folder, const ProgramSpec& spec) {
@@ -140,7 +108,7 @@ void ProjectBuilder::Program(const std::string& folder, const ProgramSpec& spec)
                       n == 7 ? "true" : "false"});
     }
   }
-  WriteCsv(Path(folder + "/program.csv"), rows);
+  WriteFile(Path(folder + "/program.csv"), CsvBytes(rows));
 }
 
 void ProjectBuilder::Playlist(const std::string& folder, int pane,
@@ -151,11 +119,15 @@ void ProjectBuilder::Playlist(const std::string& folder, int pane,
     std::snprintf(name, sizeof name, "contents_%d_%03zu.csv", pane, k);
     lines.push_back({std::string("information\\") + name});
     const Item& item = items[k - 1];
-    Rows rows{{item.path_cell}, item.line.ToRow()};
+    const ItemLine& l = item.line;
+    const std::string& m = l.frame_move;
+    Rows rows{{item.path_cell},
+              {l.kind, l.time, "", "false", l.color, l.aspect, "", "0", "0", "0", l.volume,
+               l.effect, l.effect_time, "0", m, m, m, m, l.end_code}};
     rows.insert(rows.end(), item.extra.begin(), item.extra.end());
-    WriteCsv(Path(folder + "/information/" + name), rows);
+    WriteFile(Path(folder + "/information/" + name), CsvBytes(rows));
   }
-  WriteCsv(Path(folder + "/playlist_" + std::to_string(pane) + ".csv"), lines);
+  WriteFile(Path(folder + "/playlist_" + std::to_string(pane) + ".csv"), CsvBytes(lines));
 }
 
 void ProjectBuilder::EmptyPlaylists(const std::string& folder, const std::vector<int>& used) {
@@ -175,8 +147,6 @@ void ProjectBuilder::File(const std::string& relative, std::string_view bytes) {
 }
 
 const char kMovieBytes[] = "movie: not really an mp4";
-const char kLogoBytes[] = "logo: not really a png";
-const char kPhotoBytes[] = "photo: not really a jpeg";
 
 std::string CleanTelopUtf8() {
   return TelopText(48, 1, {"本日はご来場ありがとうございます。", "午後六時に閉館いたします。"});
@@ -214,13 +184,12 @@ void BuildCleanProject(ProjectBuilder& p) {
   ads.background = "0x000000";
   ads.panes = {Pane{1, 0, 0, 1920, 1080, "true"}};
   p.Program("Program_ads", ads);
-  Item logo_again = ImageItem("ロゴ.png");
-  p.Playlist("Program_ads", 1, {logo_again, BlankItem()});
+  p.Playlist("Program_ads", 1, {ImageItem("ロゴ.png"), BlankItem()});
   p.EmptyPlaylists("Program_ads", {1});
 
   p.Content("オープニング.mp4", kMovieBytes);
-  p.Content("ロゴ.png", kLogoBytes);
-  p.Content("photo.jpeg", kPhotoBytes);
+  p.Content("ロゴ.png", "logo");
+  p.Content("photo.jpeg", "photo");
   p.Content("お知らせ.tlp", Cp932(CleanTelopUtf8()));
 }
 
@@ -241,20 +210,6 @@ std::string DateFromToday(int days) {
   return buffer;
 }
 
-std::string TimeFromNow(int seconds) {
-  std::time_t now = std::time(nullptr);
-  std::tm tm{};
-  localtime_r(&now, &tm);
-  int of_day = tm.tm_hour * 3600 + tm.tm_min * 60 + tm.tm_sec + seconds;
-  of_day = std::clamp(of_day, 0, 86399);
-  char buffer[32];
-  std::snprintf(buffer, sizeof buffer, "%02d:%02d:%02d", of_day / 3600, of_day / 60 % 60,
-                of_day % 60);
-  return buffer;
-}
-
-// ---- Reading results back --------------------------------------------------
-
 std::string XmlNode::Attr(const std::string& attr) const {
   auto it = attrs.find(attr);
   return it == attrs.end() ? std::string() : it->second;
@@ -269,29 +224,24 @@ std::vector<const XmlNode*> XmlNode::All(const std::string& child) const {
 }
 
 const XmlNode* XmlNode::First(const std::string& child) const {
-  for (const auto& c : children) {
-    if (c.name == child) return &c;
-  }
-  return nullptr;
+  auto all = All(child);
+  return all.empty() ? nullptr : all[0];
 }
 
 const XmlNode& XmlNode::At(const std::string& child) const {
   static const XmlNode empty;
   const XmlNode* found = First(child);
-  if (!found) {
-    ADD_FAILURE() << "<" << name << "> has no child <" << child << ">";
-    return empty;
-  }
-  return *found;
+  if (!found) ADD_FAILURE() << "<" << name << "> has no child <" << child << ">";
+  return found ? *found : empty;
 }
 
-const XmlNode& XmlNode::Nth(size_t i) const {
-  static const XmlNode empty;
-  if (i >= children.size()) {
-    ADD_FAILURE() << "<" << name << "> has " << children.size() << " children, not " << i + 1;
-    return empty;
-  }
-  return children[i];
+std::string Outline(const XmlNode& node, int depth) {
+  std::string out = std::string(depth, ' ') + node.name;
+  for (const auto& [k, v] : node.attrs) out += " " + k + "=" + v;
+  if (node.text.find_first_not_of(" \t\r\n") != std::string::npos) out += ": " + node.text;
+  out += "\n";
+  for (const auto& child : node.children) out += Outline(child, depth + 1);
+  return out;
 }
 
 namespace {
@@ -321,36 +271,23 @@ XmlNode Convert(const DOMElement* element) {
   return node;
 }
 
-// The library stays started for the whole test program.
-void StartXml() {
-  static bool started = [] {
-    XMLPlatformUtils::Initialize();
-    return true;
-  }();
-  (void)started;
-}
-
 }  // namespace
 
 XmlNode ParseXml(const std::string& path) {
-  StartXml();
-  if (!Exists(path)) {
-    ADD_FAILURE() << "no XML file " << path;
-    return {};
-  }
+  static const bool started = (XMLPlatformUtils::Initialize(), true);  // for the whole program
+  (void)started;
   XercesDOMParser parser;
   HandlerBase handler;
   parser.setErrorHandler(&handler);
   parser.setDoNamespaces(true);
+  DOMDocument* doc = nullptr;
   try {
     parser.parse(path.c_str());
+    doc = parser.getDocument();
   } catch (...) {
-    ADD_FAILURE() << "not well-formed XML: " << path;
-    return {};
   }
-  DOMDocument* doc = parser.getDocument();
   if (!doc || !doc->getDocumentElement()) {
-    ADD_FAILURE() << "no root element in " << path;
+    ADD_FAILURE() << "no well-formed XML document in " << path;
     return {};
   }
   return Convert(doc->getDocumentElement());
@@ -366,14 +303,10 @@ Rows ReadCsv(const std::string& path) {
   Rows rows;
   size_t pos = 0;
   while (pos < bytes.size()) {
-    size_t end = bytes.find('\n', pos);
-    if (end == std::string::npos) {
-      ADD_FAILURE() << path << ": last line without a line end";
-      end = bytes.size();
-    }
+    size_t end = std::min(bytes.find('\n', pos), bytes.size());
     std::string line = bytes.substr(pos, end - pos);
-    if (line.empty() || line.back() != '\r') {
-      ADD_FAILURE() << path << ": line without CR LF";
+    if (end == bytes.size() || line.empty() || line.back() != '\r') {
+      ADD_FAILURE() << path << ": a line without CR LF";
     } else {
       line.pop_back();
     }
