@@ -28,7 +28,7 @@ TEST_F(CheckRegion, ProgramMustFitAndStartAtTheRegionsCorner) {
     spec.y = c.y;
     spec.width = c.width;
     spec.height = c.height;
-    spec.panes = {Pane{1, c.pane_x, c.pane_y, c.width, c.height, "true"}};
+    spec.panes = {Pane{1, c.pane_x, c.pane_y, c.width, c.height}};
     p_.Program("Program_1", spec);
     RemoveAll(report_);
     RunResult r = RunQv({project_, "-check" + report_, "-td" + c.region}, RunEnv(temp_));

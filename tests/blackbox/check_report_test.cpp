@@ -107,7 +107,7 @@ class CheckProgram : public BlackBoxTest {
 
   static ProgramSpec FrameAndTelop() {
     ProgramSpec spec;
-    spec.panes = {Pane{1, 0, 0, 1920, 980, "true"}, Pane{5, 0, 980, 1920, 100, "true"}};
+    spec.panes = {Pane{1, 0, 0, 1920, 980}, Pane{5, 0, 980, 1920, 100}};
     return spec;
   }
 
@@ -135,8 +135,8 @@ TEST_F(CheckProgram, CleanProgramAndItsTelopSevenLevelsUp) {
 
 TEST_F(CheckProgram, LayoutFindingsCarryTheirPaneLine) {
   ProgramSpec spec;
-  spec.panes = {Pane{1, 0, 0, 960, 1080, "true"}, Pane{2, 960, 0, 960, 1080, "true"},
-                Pane{8, 0, 0, 100, 100, "true"}};
+  spec.panes = {Pane{1, 0, 0, 960, 1080}, Pane{2, 960, 0, 960, 1080},
+                Pane{8, 0, 0, 100, 100}};
   Build(spec, {MovieItem("a.mp4")});
   deep_p_.Playlist("Program_1", 2, {ImageItem("b.png")});
   auto found = CheckDeep(2);
@@ -149,18 +149,18 @@ TEST_F(CheckProgram, LayoutFindingsCarryTheirPaneLine) {
 
 TEST_F(CheckProgram, ContentFindingsCarryPaneAndFile) {
   Item transparent = ImageItem("b.png");
-  transparent.line.color = "";
+  transparent.color = "";
   Item moved = MovieItem("a.mp4");
-  moved.line.frame_move = "0";
+  moved.frame_move = "0";
   Item attached = MovieItem("a.mp4");
   attached.extra = {{"..\\contents\\extra.txt"}};
   Item wmv = MovieItem("clip.wmv");
-  wmv.line.kind = "2";  // silenced by the extension finding
+  wmv.kind = "2";  // silenced by the extension finding
   Item url = MovieItem("x");
   url.path_cell = "http://example.com/a.wmv";  // no backslash: no file
-  url.line.kind = "3";
+  url.kind = "3";
   Item telop = TelopItem("t.tlp");
-  telop.line.color = "";
+  telop.color = "";
   Build(FrameAndTelop(),
         {transparent, ImageItem("c.jpg", "15"), moved, attached, wmv, MovieItem("tool.exe"), url,
          BlankItem("7")},

@@ -8,25 +8,11 @@ namespace qvtest {
 namespace {
 
 const std::vector<std::string> kCleanMembers = {
-    "QvFormat",
-    "QvFormat/QvC",
-    "QvFormat/QvC/CT1.png",
-    "QvFormat/QvC/CT3.mp4",
-    "QvFormat/QvC/CT4.jpg",
-    "QvFormat/QvC/CT5.tlp",
-    "QvFormat/QvP",
-    "QvFormat/QvP/PG1",
-    "QvFormat/QvP/PG1/PG1.xml",
-    "QvFormat/QvP/PG1/PL1.xml",
-    "QvFormat/QvP/PG2",
-    "QvFormat/QvP/PG2/PG2.xml",
-    "QvFormat/QvP/PG2/PL1.xml",
-    "QvFormat/QvP/PG2/PL2.xml",
-    "QvFormat/QvS.xml",
-    "QvFormat/QvT",
-    "QvFormat/QvT/TM1.xml",
-    "QvFormat/QvT/TM2.xml",
-};
+    "QvFormat", "QvFormat/QvC", "QvFormat/QvC/CT1.png", "QvFormat/QvC/CT3.mp4", "QvFormat/QvC/CT4.jpg",
+    "QvFormat/QvC/CT5.tlp", "QvFormat/QvP", "QvFormat/QvP/PG1", "QvFormat/QvP/PG1/PG1.xml",
+    "QvFormat/QvP/PG1/PL1.xml", "QvFormat/QvP/PG2", "QvFormat/QvP/PG2/PG2.xml", "QvFormat/QvP/PG2/PL1.xml",
+    "QvFormat/QvP/PG2/PL2.xml", "QvFormat/QvS.xml", "QvFormat/QvT", "QvFormat/QvT/TM1.xml",
+    "QvFormat/QvT/TM2.xml"};
 
 class ConversionPackage : public BlackBoxTest {};
 
@@ -101,7 +87,7 @@ TEST_F(ConversionPackage, Utf16TelopCapitalExtensionsAndAMissingContentFile) {
   p_.Schedule({ScheduleEntry("2035/05/05", "TimeTable_1.csv", "true")});
   p_.TimeTable("TimeTable_1.csv", "T", {ProgramLine("08:00:00", "09:00:00", "Program_1")});
   ProgramSpec spec;
-  spec.panes = {Pane{1, 0, 0, 1920, 980, "true"}, Pane{5, 0, 980, 1920, 100, "true"}};
+  spec.panes = {Pane{1, 0, 0, 1920, 980}, Pane{5, 0, 980, 1920, 100}};
   p_.Program("Program_1", spec);
   p_.Playlist("Program_1", 1, {ImageItem("Photo.JPEG"), MovieItem("Clip.MP4"), MovieItem("gone.mp4")});
   p_.Playlist("Program_1", 5, {TelopItem("NEWS.TLP")});

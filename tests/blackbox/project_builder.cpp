@@ -27,30 +27,28 @@ std::string CsvBytes(const Rows& rows) {
   return Cp932(text);
 }
 
-Row ScheduleEntry(const std::string& date, const std::string& timetable,
-                  const std::string& is_default) {
+Row ScheduleEntry(const std::string& date, const std::string& timetable, const std::string& is_default) {
   return {date, timetable, is_default};
 }
-
 Row ProgramLine(const std::string& start, const std::string& end, const std::string& folder) {
   return {start, end, "0", folder, "0", ""};
 }
-
 Row CommandLine(const std::string& start, const std::string& type, const std::string& input) {
   return {start, "", "1", "", type, input};
 }
 
 Item MovieItem(const std::string& file, const std::string& time) {
-  Item item{"..\\contents\\" + file, {}, {}};
-  item.line.time = time;
+  Item item;
+  item.path_cell = "..\\contents\\" + file;
+  item.time = time;
   return item;
 }
 
 Item ImageItem(const std::string& file, const std::string& effect,
                const std::string& effect_time) {
   Item item = MovieItem(file, "00:00:10");
-  item.line.effect = effect;
-  item.line.effect_time = effect_time;
+  item.effect = effect;
+  item.effect_time = effect_time;
   return item;
 }
 
@@ -58,8 +56,8 @@ Item TelopItem(const std::string& file) { return MovieItem(file, "00:00:20"); }
 
 Item BlankItem(const std::string& kind) {
   Item item;
-  item.line.kind = kind;
-  item.line.time = "00:00:03";
+  item.kind = kind;
+  item.time = "00:00:03";
   return item;
 }
 
@@ -76,18 +74,15 @@ std::string ProjectBuilder::Path(std::string_view relative) const {
   return root_ + "/" + std::string(relative);
 }
 
-void ProjectBuilder::Schedule(const Rows& entries, const std::string& file,
-                              const std::string& title, const std::string& add) {
+void ProjectBuilder::Schedule(const Rows& entries, const std::string& file, const std::string& title,
+                              const std::string& add) {
   Rows rows{{title}, {add}};
   rows.insert(rows.end(), entries.begin(), entries.end());
   WriteFile(Path(file), CsvBytes(rows));
 }
 
-void ProjectBuilder::TimeTable(const std::string& file, const std::string& title,
-                               const Rows& lines) {
-  Rows rows{{title}, {"0xD4F0FF"}};
-  rows.insert(rows.end(), lines.begin(), lines.end());
-  WriteFile(Path(file), CsvBytes(rows));
+void ProjectBuilder::TimeTable(const std::string& file, const std::string& title, const Rows& lines) {
+  Schedule(lines, file, title, "0xD4F0FF");  // the same shape: a title, a colour, the rows
 }
 
 void ProjectBuilder::Program(const std::string& folder, const ProgramSpec& spec) {
@@ -99,32 +94,29 @@ void ProjectBuilder::Program(const std::string& folder, const ProgramSpec& spec)
   for (int n = 1; n <= 8; ++n) {
     auto it = std::find_if(spec.panes.begin(), spec.panes.end(),
                            [n](const Pane& p) { return p.number == n; });
-    std::string file = "playlist_" + s(n) + ".csv";
+    const std::string file = "playlist_" + s(n) + ".csv";
     if (it != spec.panes.end()) {
-      rows.push_back({s(n), file, s(it->x), s(it->y), s(it->width), s(it->height),
-                      spec.background, "false", "0", it->in_use});
+      rows.push_back({s(n), file, s(it->x), s(it->y), s(it->width), s(it->height), spec.background, "false",
+                      "0", "true"});
     } else {
-      rows.push_back({s(n), file, "0", "0", "0", "0", "0x000000", "false", "0",
-                      n == 7 ? "true" : "false"});
+      rows.push_back({s(n), file, "0", "0", "0", "0", "0x000000", "false", "0", n == 7 ? "true" : "false"});
     }
   }
   WriteFile(Path(folder + "/program.csv"), CsvBytes(rows));
 }
 
-void ProjectBuilder::Playlist(const std::string& folder, int pane,
-                              const std::vector<Item>& items) {
+void ProjectBuilder::Playlist(const std::string& folder, int pane, const std::vector<Item>& items) {
   Rows lines;
   for (size_t k = 1; k <= items.size(); ++k) {
     char name[64];
     std::snprintf(name, sizeof name, "contents_%d_%03zu.csv", pane, k);
     lines.push_back({std::string("information\\") + name});
-    const Item& item = items[k - 1];
-    const ItemLine& l = item.line;
-    const std::string& m = l.frame_move;
-    Rows rows{{item.path_cell},
-              {l.kind, l.time, "", "false", l.color, l.aspect, "", "0", "0", "0", l.volume,
-               l.effect, l.effect_time, "0", m, m, m, m, l.end_code}};
-    rows.insert(rows.end(), item.extra.begin(), item.extra.end());
+    const Item& i = items[k - 1];
+    const std::string& m = i.frame_move;
+    Rows rows{{i.path_cell},
+              {i.kind, i.time, "", "false", i.color, i.aspect, "", "0", "0", "0", i.volume, i.effect,
+               i.effect_time, "0", m, m, m, m, i.end_code}};
+    rows.insert(rows.end(), i.extra.begin(), i.extra.end());
     WriteFile(Path(folder + "/information/" + name), CsvBytes(rows));
   }
   WriteFile(Path(folder + "/playlist_" + std::to_string(pane) + ".csv"), CsvBytes(lines));
@@ -166,15 +158,15 @@ void BuildCleanProject(ProjectBuilder& p) {
 
   ProgramSpec news;
   news.title = "ニュース";
-  news.panes = {Pane{1, 0, 0, 1920, 900, "true"}, Pane{5, 0, 900, 1920, 180, "true"}};
+  news.panes = {Pane{1, 0, 0, 1920, 900}, Pane{5, 0, 900, 1920, 180}};
   p.Program("ニュース番組", news);
   Item movie = MovieItem("オープニング.mp4");
-  movie.line.volume = "80";
+  movie.volume = "80";
   Item logo = ImageItem("ロゴ.png");
-  logo.line.color = "0xffffff";
-  logo.line.aspect = "1";
+  logo.color = "0xffffff";
+  logo.aspect = "1";
   Item photo = ImageItem("photo.jpeg", "258", "1000");  // wipe, upwards
-  photo.line.aspect = "2";
+  photo.aspect = "2";
   p.Playlist("ニュース番組", 1, {movie, logo, photo});
   p.Playlist("ニュース番組", 5, {TelopItem("お知らせ.tlp")});
   p.EmptyPlaylists("ニュース番組", {1, 5});
@@ -182,7 +174,7 @@ void BuildCleanProject(ProjectBuilder& p) {
   ProgramSpec ads;
   ads.title = "Advertising";
   ads.background = "0x000000";
-  ads.panes = {Pane{1, 0, 0, 1920, 1080, "true"}};
+  ads.panes = {Pane{1, 0, 0, 1920, 1080}};
   p.Program("Program_ads", ads);
   p.Playlist("Program_ads", 1, {ImageItem("ロゴ.png"), BlankItem()});
   p.EmptyPlaylists("Program_ads", {1});
@@ -201,12 +193,11 @@ void BuildTimeTableProject(ProjectBuilder& p) {
 }
 
 std::string DateFromToday(int days) {
-  std::time_t now = std::time(nullptr) + static_cast<std::time_t>(days) * 86400;
+  const std::time_t when = std::time(nullptr) + static_cast<std::time_t>(days) * 86400;
   std::tm tm{};
-  localtime_r(&now, &tm);
+  localtime_r(&when, &tm);
   char buffer[32];
-  std::snprintf(buffer, sizeof buffer, "%04d/%02d/%02d", tm.tm_year + 1900, tm.tm_mon + 1,
-                tm.tm_mday);
+  std::strftime(buffer, sizeof buffer, "%Y/%m/%d", &tm);
   return buffer;
 }
 
@@ -223,16 +214,11 @@ std::vector<const XmlNode*> XmlNode::All(const std::string& child) const {
   return out;
 }
 
-const XmlNode* XmlNode::First(const std::string& child) const {
-  auto all = All(child);
-  return all.empty() ? nullptr : all[0];
-}
-
 const XmlNode& XmlNode::At(const std::string& child) const {
   static const XmlNode empty;
-  const XmlNode* found = First(child);
-  if (!found) ADD_FAILURE() << "<" << name << "> has no child <" << child << ">";
-  return found ? *found : empty;
+  const auto all = All(child);
+  if (all.empty()) ADD_FAILURE() << "<" << name << "> has no child <" << child << ">";
+  return all.empty() ? empty : *all[0];
 }
 
 std::string Outline(const XmlNode& node, int depth) {
@@ -247,8 +233,7 @@ std::string Outline(const XmlNode& node, int depth) {
 namespace {
 
 std::string Utf8(const XMLCh* text) {
-  if (!text) return {};
-  return U8(std::u16string(reinterpret_cast<const char16_t*>(text)));
+  return text ? U8(reinterpret_cast<const char16_t*>(text)) : std::string();
 }
 
 XmlNode Convert(const DOMElement* element) {
@@ -298,38 +283,6 @@ void Unzip(const std::string& zip, const std::string& folder) {
   ASSERT_EQ(r.status, 0) << r.output;
 }
 
-Rows ReadCsv(const std::string& path) {
-  std::string bytes = ReadFile(path);
-  Rows rows;
-  size_t pos = 0;
-  while (pos < bytes.size()) {
-    size_t end = std::min(bytes.find('\n', pos), bytes.size());
-    std::string line = bytes.substr(pos, end - pos);
-    if (end == bytes.size() || line.empty() || line.back() != '\r') {
-      ADD_FAILURE() << path << ": a line without CR LF";
-    } else {
-      line.pop_back();
-    }
-    std::string text = Utf8FromCp932(line);
-    Row row;
-    std::string field;
-    for (size_t i = 0; i < text.size(); ++i) {
-      if (text[i] == '\\' && i + 1 < text.size() && (text[i + 1] == '\\' || text[i + 1] == ',')) {
-        field += text[++i];
-      } else if (text[i] == ',') {
-        row.push_back(field);
-        field.clear();
-      } else {
-        field += text[i];
-      }
-    }
-    row.push_back(field);
-    rows.push_back(row);
-    pos = end + 1;
-  }
-  return rows;
-}
-
 std::vector<std::string> FilesBelow(const std::string& folder) {
   std::vector<std::string> out;
   std::error_code ec;
@@ -342,9 +295,7 @@ std::vector<std::string> FilesBelow(const std::string& folder) {
 }
 
 std::vector<std::string> WorkFolders(const std::string& temp) {
-  std::vector<std::string> out;
-  if (IsDir(temp + "/QvConv")) out = ListDir(temp + "/QvConv");
-  return out;
+  return IsDir(temp + "/QvConv") ? ListDir(temp + "/QvConv") : std::vector<std::string>{};
 }
 
 std::vector<std::string> RunEnv(const std::string& temp, const std::string& locale) {
@@ -355,11 +306,9 @@ std::vector<std::string> RunEnv(const std::string& temp, const std::string& loca
 RunResult BlackBoxTest::Package(const std::string& input) {
   return RunQv({input.empty() ? project_ : input, "-package" + zip_}, RunEnv(temp_, locale_));
 }
-
 RunResult BlackBoxTest::Check(const std::string& input) {
   return RunQv({input.empty() ? project_ : input, "-check" + report_}, RunEnv(temp_, locale_));
 }
-
 RunResult BlackBoxTest::Unpackage(const std::string& zip, const std::string& destination) {
   return RunQv({zip, "-unpackage" + destination}, RunEnv(temp_, locale_));
 }

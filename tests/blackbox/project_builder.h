@@ -24,8 +24,10 @@ Row ScheduleEntry(const std::string& date, const std::string& timetable,
 Row ProgramLine(const std::string& start, const std::string& end, const std::string& folder);
 Row CommandLine(const std::string& start, const std::string& type, const std::string& input);
 
-// Line 2 of a contents file, 19 columns, with values that pass the check.
-struct ItemLine {
+// One playlist item: line 1 of its contents file ("..\\contents\\a.mp4", empty
+// for a blank), line 2 (19 columns, values that pass the check), further lines.
+struct Item {
+  std::string path_cell;
   std::string kind = "1";
   std::string time = "00:00:10";
   std::string color = "0x000000";  // empty: transparent, refused by the check
@@ -35,12 +37,6 @@ struct ItemLine {
   std::string effect_time = "0";
   std::string frame_move = "-1";  // columns 14 to 17
   std::string end_code = "11";
-};
-
-// One playlist item: line 1 of its contents file, line 2, further lines.
-struct Item {
-  std::string path_cell;  // "..\\contents\\a.mp4"; empty for a blank
-  ItemLine line;
   Rows extra;
 };
 Item MovieItem(const std::string& file, const std::string& time = "00:00:30");
@@ -49,10 +45,9 @@ Item ImageItem(const std::string& file, const std::string& effect = "0",
 Item TelopItem(const std::string& file);
 Item BlankItem(const std::string& kind = "8");
 
-struct Pane {
+struct Pane {  // a pane in use
   int number = 1;
   int x = 0, y = 0, width = 1920, height = 1080;
-  std::string in_use = "true";
 };
 
 struct ProgramSpec {
@@ -108,10 +103,8 @@ struct XmlNode {
   std::vector<XmlNode> children;  // elements only
   std::string text;
 
-  bool Has(const std::string& attr) const { return attrs.count(attr) != 0; }
   std::string Attr(const std::string& attr) const;
   std::vector<const XmlNode*> All(const std::string& child) const;
-  const XmlNode* First(const std::string& child) const;
   // The first child of that name; an empty node and a test failure if none.
   const XmlNode& At(const std::string& child) const;
 };
@@ -123,8 +116,6 @@ std::string Outline(const XmlNode& node, int depth = 0);
 // Parses an XML file; a test failure and an empty node on error.
 XmlNode ParseXml(const std::string& path);
 void Unzip(const std::string& zip, const std::string& folder);
-// A code page 932 CSV file as unescaped UTF-8 rows; fails on a line end other than CR LF.
-Rows ReadCsv(const std::string& path);
 // Plain files below a folder, relative, sorted.
 std::vector<std::string> FilesBelow(const std::string& folder);
 // The work folders a run left in <temp>/QvConv.

@@ -30,14 +30,22 @@ std::string StampOf(const std::string& folder) {
   return "?";
 }
 
-// A CSV file of a written project as "field,field\n" lines, stamps as "S".
+// A CSV file of a written project in UTF-8, escapes undone, CR LF as "\n",
+// stamps as "S".
 std::string Csv(const std::string& path) {
-  std::string text;
-  for (const Row& row : ReadCsv(path)) {
-    for (size_t i = 0; i < row.size(); ++i) text += (i ? "," : "") + row[i];
-    text += "\n";
+  const std::string text = Utf8FromCp932(ReadFile(path));
+  std::string out;
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '\\' && i + 1 < text.size() && (text[i + 1] == '\\' || text[i + 1] == ',')) {
+      out += text[++i];
+    } else if (text.compare(i, 2, "\r\n") == 0) {
+      out += text[++i];
+    } else {
+      EXPECT_TRUE(text[i] != '\r' && text[i] != '\n') << path << ": a line end other than CR LF";
+      out += text[i];
+    }
   }
-  return std::regex_replace(text, kStamp, "S");
+  return std::regex_replace(out, kStamp, "S");
 }
 
 class RoundTrip : public BlackBoxTest {
@@ -108,9 +116,9 @@ TEST_F(RoundTrip, PackageComesBackAsProject) {
             "information\\contents_1_003.csv\n");
   EXPECT_EQ(Csv(news + "/playlist_2.csv"), "information\\contents_2_001.csv\n");
   EXPECT_EQ(ReadFile(news + "/playlist_3.csv"), "");
-  // The values of contents files come back: the second round trip pins them.
-  EXPECT_EQ(ReadCsv(news + "/information/contents_1_003.csv")[0], Row{"..\\contents\\CT4.jpg"});
-  EXPECT_EQ(ReadCsv(news + "/information/contents_2_001.csv")[0], Row{"..\\contents\\CT5.tlp"});
+  EXPECT_EQ(Csv(news + "/information/contents_1_003.csv") + Csv(news + "/information/contents_2_001.csv"),
+            "..\\contents\\CT4.jpg\n1,00:00:10,,false,0x000000,2,,0,0,0,100,258,1000,0,-1,-1,-1,-1,11\n"
+            "..\\contents\\CT5.tlp\n1,00:00:20,,false,0x000000,0,,0,0,0,100,0,0,0,-1,-1,-1,-1,11\n");
 
   // Contents as the package holds them: the telop as UTF-8, which the way
   // there reads as code page 932.
@@ -147,18 +155,18 @@ TEST_F(RoundTrip, SecondPackageHoldsTheSameDocuments) {
   a.title = "番組A";
   a.play_time = "01:02:03";
   a.background = "0x0000ff";
-  a.panes = {Pane{1, 0, 0, 1920, 1080, "true"}};
+  a.panes = {Pane{1, 0, 0, 1920, 1080}};
   p_.Program("Program_a", a);
   Item movie = MovieItem("clip.mp4", "00:01:00");
-  movie.line.volume = "35";
-  movie.line.end_code = "42";
-  movie.line.color = "0x112233";
+  movie.volume = "35";
+  movie.end_code = "42";
+  movie.color = "0x112233";
   Item slide = ImageItem("slide.jpg", "65800", "750");  // turn page, upwards, through the background
-  slide.line.aspect = "3";
+  slide.aspect = "3";
   p_.Playlist("Program_a", 1, {movie, slide, BlankItem("8"), ImageItem("logo.png")});
   ProgramSpec b;
   b.title = "Program B";
-  b.panes = {Pane{1, 0, 0, 1080, 1920, "true"}};
+  b.panes = {Pane{1, 0, 0, 1080, 1920}};
   p_.Program("Program_b", b);
   p_.Playlist("Program_b", 1, {ImageItem("logo.png"), MovieItem("clip.mp4")});
   for (const char* name : {"clip.mp4", "slide.jpg", "logo.png"}) p_.Content(name, name);
@@ -226,28 +234,22 @@ TEST_F(HandPackage, EveryItemKindAndAMissingContentFileComeBack) {
             "2035/01/03,TimeTable_S_001.csv,true\n");
   EXPECT_FALSE(Exists(back_ + "/TimeTable_" + s + "_002.csv"));
 
-  const std::string info = back_ + "/Program_" + s + "_001/information/contents_1_00";
-  EXPECT_EQ(Csv(back_ + "/Program_" + s + "_001/playlist_1.csv"),
+  const std::string program = back_ + "/Program_" + s + "_001/";
+  EXPECT_EQ(Csv(program + "playlist_1.csv"),
             "information\\contents_1_001.csv\ninformation\\contents_1_002.csv\n"
             "information\\contents_1_003.csv\ninformation\\contents_1_004.csv\n"
             "information\\contents_1_005.csv\n")
       << "the skipped kinds give no item";
-  Rows movie = ReadCsv(info + "1.csv");
-  ASSERT_EQ(movie.size(), 2u);
-  EXPECT_EQ(movie[0], Row{"..\\contents\\CT1.mp4"});
-  EXPECT_EQ(movie[1][10], "50");
-  Rows image = ReadCsv(info + "2.csv");
-  ASSERT_EQ(image.size(), 2u);
-  EXPECT_EQ(image[0], Row{"..\\contents\\CT2.png"});
-  ASSERT_EQ(image[1].size(), 19u);
-  EXPECT_EQ(image[1][4] + " " + image[1][5] + " " + image[1][11] + " " + image[1][12], "0xffffff 3 13 500")
-      << "fade is effect code 13";
-  EXPECT_EQ(ReadCsv(info + "3.csv")[0], Row{"..\\contents\\CT3.tlp"});
-  // A blank comes back as kind 8 (kind 7 would be refused) with its colour.
-  Rows blank = ReadCsv(info + "4.csv");
-  ASSERT_EQ(blank.size(), 2u);
-  EXPECT_EQ(blank[1][0] + " " + blank[1][1] + " " + blank[1][4], "8 00:00:05 0x123456");
-  EXPECT_EQ(ReadCsv(info + "5.csv")[0], Row{"..\\contents\\CT9.mp4"});
+  // Fade is effect code 13; a blank comes back as kind 8 (kind 7 would be
+  // refused) with its colour.
+  std::string items;
+  for (int k = 1; k <= 4; ++k) items += Csv(program + "information/contents_1_00" + std::to_string(k) + ".csv");
+  EXPECT_EQ(items,
+            "..\\contents\\CT1.mp4\n1,00:00:30,,false,0x000000,0,,0,0,0,50,0,0,0,-1,-1,-1,-1,11\n"
+            "..\\contents\\CT2.png\n1,00:00:10,,false,0xffffff,3,,0,0,0,100,13,500,0,-1,-1,-1,-1,11\n"
+            "..\\contents\\CT3.tlp\n1,00:00:20,,false,0x000000,0,,0,0,0,100,0,0,0,-1,-1,-1,-1,11\n"
+            "\n8,00:00:05,,false,0x123456,0,,0,0,0,100,0,0,0,-1,-1,-1,-1,11\n");
+  EXPECT_EQ(Csv(program + "information/contents_1_005.csv").rfind("..\\contents\\CT9.mp4\n", 0), 0u);
   EXPECT_EQ(FilesBelow(back_ + "/contents"), (std::vector<std::string>{"CT1.mp4", "CT2.png", "CT3.tlp"}))
       << "the missing CT9 is no failure";
   EXPECT_EQ(ReadFile(back_ + "/contents/CT3.tlp"), "telop");
@@ -267,20 +269,16 @@ TEST_F(HandPackage, SevenPanesKeepTheFirstFive) {
   }
   RunResult r = PackAndBack();
   ASSERT_EQ(r.status, 0) << r.output;
-  const std::string program = back_ + "/Program_" + StampOf(back_) + "_001";
-  for (int i = 0; i <= 8; ++i) {
-    const std::string playlist = program + "/playlist_" + std::to_string(i) + ".csv";
-    if (i >= 1 && i <= 5) {
-      EXPECT_EQ(ReadCsv(playlist).size(), 1u) << i;
-    } else if (i == 8) {
-      EXPECT_FALSE(Exists(playlist));
-    } else {
-      EXPECT_EQ(ReadFile(playlist), "") << i;
-    }
+  const std::string program = back_ + "/Program_" + StampOf(back_) + "_001/";
+  for (int i = 0; i <= 7; ++i) {
+    const std::string n = std::to_string(i);
+    EXPECT_EQ(Csv(program + "playlist_" + n + ".csv"),
+              i >= 1 && i <= 5 ? "information\\contents_" + n + "_001.csv\n" : "") << i;
   }
-  Rows rows = ReadCsv(program + "/program.csv");
-  ASSERT_EQ(rows.size(), 11u);
-  EXPECT_EQ(rows[8][0] + " " + rows[8][9], "6 true") << "the sixth pane has a line, but no playlist";
+  EXPECT_FALSE(Exists(program + "playlist_8.csv"));
+  const std::string lines = Csv(program + "program.csv");
+  EXPECT_NE(lines.find("\n6,playlist_6.csv,0,0,10,10,"), std::string::npos) << lines;
+  EXPECT_NE(lines.find(",true\n7,playlist_7.csv,"), std::string::npos) << "the sixth pane has a line, but no playlist";
 }
 
 TEST_F(HandPackage, MissingOrBrokenDocumentIs300AndDeliversNothing) {
