@@ -5,27 +5,22 @@
 namespace qvtest {
 namespace {
 
-struct Finding {
-  std::string data_kind, id, kind, pane, file, text;
-  size_t attr_count = 0;
+// The Results of a report: "data-kind id kind pane file" a line, and their texts.
+struct Findings {
+  std::string summary;
+  std::vector<std::string> texts;
 };
 
-std::vector<Finding> Findings(const XmlNode& report) {
-  std::vector<Finding> out;
+Findings Read(const XmlNode& report) {
+  Findings out;
   for (const XmlNode* data : report.At("CheckResult").All("CheckData")) {
     for (const XmlNode* r : data->All("Result")) {
-      out.push_back({data->Attr("kind"), r->Attr("id"), r->Attr("kind"), r->Attr("pane"),
-                     r->Attr("file"), r->text, r->attrs.size()});
+      out.summary += data->Attr("kind") + " " + r->Attr("id") + " " + r->Attr("kind") + " " + r->Attr("pane") +
+                     " " + r->Attr("file") + "\n";
+      out.texts.push_back(r->text);
     }
   }
   return out;
-}
-
-// "id kind pane file" of each finding, one a line.
-std::string Summary(const std::vector<Finding>& findings) {
-  std::string s;
-  for (const auto& f : findings) s += f.id + " " + f.kind + " " + f.pane + " " + f.file + "\n";
-  return s;
 }
 
 class CheckReport : public BlackBoxTest {};
@@ -62,9 +57,7 @@ TEST_F(CheckReport, ScheduleFindingsOutcomesAndReport) {
   locale_ = "ja_JP.UTF-8";
   RemoveAll(report_);
   EXPECT_EQ(Check().status, 1);
-  auto found = Findings(Report());
-  ASSERT_EQ(found.size(), 1u);
-  EXPECT_EQ(found[0].text, "過去のスケジュールがあります。再生されません。");
+  EXPECT_EQ(Read(Report()).texts, std::vector<std::string>{"過去のスケジュールがあります。再生されません。"});
 
   // The interrupt files are checked after the time tables, with one finding
   // however many there are; an error leaves the work folder.
@@ -74,12 +67,11 @@ TEST_F(CheckReport, ScheduleFindingsOutcomesAndReport) {
   RemoveAll(report_);
   EXPECT_EQ(Check().status, 2);
   EXPECT_EQ(WorkFolders(temp_).size(), 1u);
-  XmlNode root = Report();
-  found = Findings(root);
-  EXPECT_EQ(Summary(found), "SC0301 W  \nEP0000 E  \n");
-  ASSERT_EQ(found.size(), 2u);
-  EXPECT_EQ(found[1].data_kind, "interrupt");
-  EXPECT_EQ(found[1].text, "Not support the special program table.");
+  const XmlNode root = Report();
+  const Findings found = Read(root);
+  EXPECT_EQ(found.summary, "schedule SC0301 W  \ninterrupt EP0000 E  \n");
+  ASSERT_EQ(found.texts.size(), 2u);
+  EXPECT_EQ(found.texts[1], "Not support the special program table.");
   auto checked_files = root.At("CheckInfo").At("CheckFileInfo").All("CheckFile");
   ASSERT_EQ(checked_files.size(), 4u);
   EXPECT_EQ(checked_files[3]->Attr("src").rfind(project_ + "/Interrupt_", 0), 0u);
@@ -111,10 +103,10 @@ class CheckProgram : public BlackBoxTest {
     return spec;
   }
 
-  std::vector<Finding> CheckDeep(int expected_status) {
+  Findings CheckDeep(int expected_status) {
     RunResult r = Check(deep_);
     EXPECT_EQ(r.status, expected_status) << r.output;
-    return Exists(report_) ? Findings(Report()) : std::vector<Finding>{};
+    return Exists(report_) ? Read(Report()) : Findings{};
   }
 };
 
@@ -135,16 +127,13 @@ TEST_F(CheckProgram, CleanProgramAndItsTelopSevenLevelsUp) {
 
 TEST_F(CheckProgram, LayoutFindingsCarryTheirPaneLine) {
   ProgramSpec spec;
-  spec.panes = {Pane{1, 0, 0, 960, 1080}, Pane{2, 960, 0, 960, 1080},
-                Pane{8, 0, 0, 100, 100}};
+  spec.panes = {Pane{1, 0, 0, 960, 1080}, Pane{2, 960, 0, 960, 1080}, Pane{8, 0, 0, 100, 100}};
   Build(spec, {MovieItem("a.mp4")});
   deep_p_.Playlist("Program_1", 2, {ImageItem("b.png")});
-  auto found = CheckDeep(2);
-  EXPECT_EQ(Summary(found), "PG0903 E 2 \nPG0909 E 8 \n");
-  ASSERT_EQ(found.size(), 2u);
-  EXPECT_EQ(found[0].data_kind, "program");
-  EXPECT_EQ(found[0].text, "Not support multiple frames layout. Please modify layout.");
-  EXPECT_EQ(found[1].text, "PIP is not supported. Please modify layout.");
+  const Findings found = CheckDeep(2);
+  EXPECT_EQ(found.summary, "program PG0903 E 2 \nprogram PG0909 E 8 \n");
+  EXPECT_EQ(found.texts, (std::vector<std::string>{"Not support multiple frames layout. Please modify layout.",
+                                                   "PIP is not supported. Please modify layout."}));
 }
 
 TEST_F(CheckProgram, ContentFindingsCarryPaneAndFile) {
@@ -166,22 +155,24 @@ TEST_F(CheckProgram, ContentFindingsCarryPaneAndFile) {
          BlankItem("7")},
         201);
   TelopPane(telop);
-  auto found = CheckDeep(2);
-  EXPECT_EQ(Summary(found),
+  const Findings found = CheckDeep(2);
+  std::string summary = found.summary;
+  for (size_t at; (at = summary.find("contentsinfo ")) != std::string::npos;) summary.erase(at, 13);
+  EXPECT_EQ(summary,
             "CHECK_COLOR E 1 b.png\n"
             "CI1401 E 1 c.jpg\n"
             "CI1700 E 1 a.mp4\nCI1800 E 1 a.mp4\nCI1900 E 1 a.mp4\nCI2000 E 1 a.mp4\n"
             "CI2200 E 1 a.mp4\n"
             "CI0100 E 1 clip.wmv\nCI0100 E 1 tool.exe\n"
             "CI0204 E 1 \nCI0211 E 1 \n"
-            "CI2300 E 5 t.tlp\nCHECK_COLOR E 5 t.tlp\n");
-  ASSERT_EQ(found.size(), 13u);
-  for (const auto& f : found) EXPECT_EQ(f.data_kind, "contentsinfo") << f.id;
-  EXPECT_EQ(found[1].text,
+            "CI2300 E 5 t.tlp\nCHECK_COLOR E 5 t.tlp\n")
+      << "all of kind contentsinfo";
+  ASSERT_EQ(found.texts.size(), 13u);
+  EXPECT_EQ(found.texts[1],
             "Not support display effect on the \"circle\". Please modify the setting at content "
             "property screen.");
-  EXPECT_EQ(found[7].text, "Not support the content of the extension (.wmv).");
-  EXPECT_EQ(found[8].text, "Specifying the executable file is not supported.");
+  EXPECT_EQ(found.texts[7], "Not support the content of the extension (.wmv).");
+  EXPECT_EQ(found.texts[8], "Specifying the executable file is not supported.");
 }
 
 }  // namespace
