@@ -8,6 +8,7 @@
 #include "csv/qvf_write_csv.h"
 #include "pipeline/package_names.h"
 #include "pipeline/pipeline_steps.h"
+#include "platform/file_system.h"
 #include "workspace/file_tree.h"
 #include "workspace/work_folder.h"
 #include "xml/qvf_read_xml.h"
@@ -96,10 +97,12 @@ void QvConvXmlToCsv::Convert(std::u16string& work) {
   // Content files come last: their names are known only now.
   MakeFolder(out + u"/" + QvFWriteCsv::contentsFolderName(), ExistingFolder::kIsFine);
   for (const auto& [id, name] : content_names) {
-    // A name that could lead out of the package or the project is left out.
-    if (!IsPlainName(name)) continue;
+    // A name that could lead out of the package or the project is left out,
+    // and so is anything but a plain file (a link is never followed).
+    const std::u16string from = src + u"/QvC/" + name;
+    if (!IsPlainName(name) || !platform::IsRegularFile(from)) continue;
     try {
-      CopyTree(src + u"/QvC/" + name, out + u"/" + QvFWriteCsv::contentsFolderName() + u"/" + name);
+      CopyTree(from, out + u"/" + QvFWriteCsv::contentsFolderName() + u"/" + name);
     } catch (const std::exception&) {
       ThrowCode(codes::kCopyFailed);
     }

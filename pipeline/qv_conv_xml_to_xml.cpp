@@ -7,6 +7,7 @@
 #include "app/qv_conv_exception.h"
 #include "pipeline/package_names.h"
 #include "pipeline/pipeline_steps.h"
+#include "platform/file_system.h"
 #include "workspace/file_tree.h"
 #include "workspace/work_folder.h"
 #include "xml/qvf_read_xml.h"
@@ -99,10 +100,12 @@ void QvConvXmlToXml::Rewrite() {
 
   MakeFolder(format + u"/QvC", ExistingFolder::kIsFine);
   for (const std::u16string& name : contents.items()) {
-    // A name that could lead out of the tree is left out, like a missing file.
-    if (!IsPlainName(name)) continue;
+    // A name that could lead out of the tree is left out, like a missing file,
+    // and so is anything but a plain file (a link is never followed).
+    const std::u16string from = input + u"/QvC/" + name;
+    if (!IsPlainName(name) || !platform::IsRegularFile(from)) continue;
     try {
-      CopyTree(input + u"/QvC/" + name, format + u"/QvC/" + name);
+      CopyTree(from, format + u"/QvC/" + name);
     } catch (const std::exception&) {
       ThrowCode(codes::kCopyFailed);
     }
