@@ -56,9 +56,10 @@ std::u16string EndCodeText(const fmt::QvFPlayTime& play_time) {
 }
 
 // The packed effect code of an image: bits 0 to 7 the effect (random is 1,
-// the effects 1 to 17 are 2 to 18), bits 8 to 15 the direction, bit 16
-// through the background colour, bit 30 the random direction.  0 when the
-// record has no effect that the code can carry.
+// the effects 1 to 17 are 2 to 18, 0 none), bits 8 to 15 the direction, bit
+// 16 through the background colour, bit 30 the random direction.  An effect
+// type the low byte cannot carry (0, or beyond 18) is 0 there, which the
+// reader takes for no effect; the other fields are packed all the same.
 std::int32_t EffectCode(const fmt::QvFImageEffect& effect) {
   const std::int32_t type = effect.type.value_or(fmt::kEffectNone);
   std::uint32_t code = 0;
@@ -66,8 +67,6 @@ std::int32_t EffectCode(const fmt::QvFImageEffect& effect) {
     code = 1;
   } else if (type >= fmt::kEffectWipe && type < fmt::kEffectRandom) {
     code = static_cast<std::uint32_t>(type) + 1;
-  } else {
-    return 0;
   }
   if (effect.direction == fmt::kDirectionRandom) {
     code |= 1u << 30;
@@ -194,7 +193,7 @@ void QvFWriteCsv::outputContents(std::u16string path, const fmt::QvFContent& ite
       std::int32_t effect_time = 0;
       if (image->image_effect) {
         effect = EffectCode(*image->image_effect);
-        if (effect != 0) effect_time = image->image_effect->t;
+        effect_time = image->image_effect->t;
       }
       file.AddRow({contentReference(content_file)});
       file.AddRow(ItemLine(kKindFile, image->play_time, fmt::FormatColorHex(image->background_color),

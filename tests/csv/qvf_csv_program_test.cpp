@@ -210,15 +210,22 @@ TEST_F(CsvProgram, WrittenPlaylistPacksTheEffect) {
   image->image_effect->via_backgroundcolor = true;
   image->image_effect->t = 3;
   f::ParseTime(u"00:00:30", image->play_time.time);
+  // An effect of type 0 keeps 0 in the low byte, and its other fields.
+  auto plain = std::make_shared<f::QvFImage>(*image);
+  plain->image_effect->type = f::kEffectNone;
+  plain->image_effect->direction = f::kDirectionUp;
   f::QvFPlaylist written;
-  written.contents = {std::make_shared<f::QvFNone>(), image};
+  written.contents = {std::make_shared<f::QvFNone>(), image, plain};
   QvFNameMap names;
   Write("program.csv", "");
   writer_.outputPlaylistFile(1, U16(dir_.Sub("P")), &written, names);
   EXPECT_EQ(names, (QvFNameMap{{u"CT8", u"CT8.gif"}}));
-  EXPECT_EQ(qvtest::ReadFile(dir_.Sub("P/information/contents_1_002.csv")),
+  EXPECT_EQ(qvtest::ReadFile(dir_.Sub("P/information/contents_1_002.csv")) +
+                qvtest::ReadFile(dir_.Sub("P/information/contents_1_003.csv")),
             "..\\\\contents\\\\CT8.gif\r\n"
-            "1,00:00:30,,false,0x000000,1,,0,0,0,100,1073807361,3,0,-1,-1,-1,-1,11\r\n");
+            "1,00:00:30,,false,0x000000,1,,0,0,0,100,1073807361,3,0,-1,-1,-1,-1,11\r\n"
+            "..\\\\contents\\\\CT8.gif\r\n"
+            "1,00:00:30,,false,0x000000,1,,0,0,0,100,65792,3,0,-1,-1,-1,-1,11\r\n");
   // The packed number reads back as the same effect.
   f::QvFPlaylist back;
   reader_.readContents(U16(dir_.Sub("P/information/contents_1_002.csv")), back,
