@@ -44,15 +44,16 @@ std::u16string AspectText(std::int32_t aspect) {
   return fmt::FormatInt(aspect >= 1 && aspect <= 3 ? aspect : 0);
 }
 
-// The two-digit end code in the numbering the reader takes: tens
-// content_end + 1, units timeout + 1.  A value out of range is written as
-// its default (loop, stop).
+// The two-digit end code as the writer numbers it: content_end as a digit,
+// then timeout as a digit; a value out of range gives the digit 0.  The reader
+// numbers the same column from 1 ("11" is loop/stop), so the two meet only for
+// loop/stop, which both read as their default.
 std::u16string EndCodeText(const fmt::QvFPlayTime& play_time) {
   const std::int32_t end = play_time.content_end >= fmt::kEndLoop && play_time.content_end <= fmt::kEndNext
                                ? play_time.content_end
-                               : fmt::kEndLoop;
-  const std::int32_t timeout = play_time.timeout == fmt::kTimeoutContinue ? fmt::kTimeoutContinue : fmt::kTimeoutStop;
-  return fmt::FormatInt((end + 1) * 10 + timeout + 1);
+                               : 0;
+  const std::int32_t timeout = play_time.timeout == fmt::kTimeoutContinue ? fmt::kTimeoutContinue : 0;
+  return fmt::FormatInt(end) + fmt::FormatInt(timeout);
 }
 
 // The packed effect code of an image: bits 0 to 7 the effect (random is 1,

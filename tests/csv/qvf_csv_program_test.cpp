@@ -214,6 +214,7 @@ TEST_F(CsvProgram, WrittenPlaylistPacksTheEffect) {
   auto plain = std::make_shared<f::QvFImage>(*image);
   plain->image_effect->type = f::kEffectNone;
   plain->image_effect->direction = f::kDirectionUp;
+  plain->play_time.content_end = 1;  // the writer's own numbering: "10"
   f::QvFPlaylist written;
   written.contents = {std::make_shared<f::QvFNone>(), image, plain};
   QvFNameMap names;
@@ -223,9 +224,9 @@ TEST_F(CsvProgram, WrittenPlaylistPacksTheEffect) {
   EXPECT_EQ(qvtest::ReadFile(dir_.Sub("P/information/contents_1_002.csv")) +
                 qvtest::ReadFile(dir_.Sub("P/information/contents_1_003.csv")),
             "..\\\\contents\\\\CT8.gif\r\n"
-            "1,00:00:30,,false,0x000000,1,,0,0,0,100,1073807361,3,0,-1,-1,-1,-1,11\r\n"
+            "1,00:00:30,,false,0x000000,1,,0,0,0,100,1073807361,3,0,-1,-1,-1,-1,00\r\n"
             "..\\\\contents\\\\CT8.gif\r\n"
-            "1,00:00:30,,false,0x000000,1,,0,0,0,100,65792,3,0,-1,-1,-1,-1,11\r\n");
+            "1,00:00:30,,false,0x000000,1,,0,0,0,100,65792,3,0,-1,-1,-1,-1,10\r\n");
   // The packed number reads back as the same effect.
   f::QvFPlaylist back;
   reader_.readContents(U16(dir_.Sub("P/information/contents_1_002.csv")), back,
