@@ -17,9 +17,15 @@ namespace {
 const char kDecl[] = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
 const char kSecret[] = "SECRET-7f3a9c-DO-NOT-COPY";
 
-// A zip file of stored entries with any names, "../x" and "/x" included,
-// which the archive tool would never write itself.
-std::string StoredZip(const std::vector<std::pair<std::string, std::string>>& entries) {
+struct Entry {
+  std::string name;
+  std::string data;
+  std::uint32_t mode = 0;  // Unix mode bits, e.g. 0120777 for a symbolic link
+};
+
+// A zip file of stored entries with any names, "../x" and "/x" included, and
+// any Unix modes, which the archive tool would never write itself.
+std::string StoredZip(const std::vector<Entry>& entries) {
   auto crc32 = [](const std::string& data) {
     std::uint32_t crc = 0xFFFFFFFFu;
     for (unsigned char byte : data) {
@@ -38,7 +44,7 @@ std::string StoredZip(const std::vector<std::pair<std::string, std::string>>& en
   };
   std::string body;
   std::string directory;
-  for (const auto& [name, data] : entries) {
+  for (const auto& [name, data, mode] : entries) {
     const std::uint32_t offset = static_cast<std::uint32_t>(body.size());
     const std::uint32_t crc = crc32(data);
     const auto size = static_cast<std::uint32_t>(data.size());
@@ -49,11 +55,12 @@ std::string StoredZip(const std::vector<std::pair<std::string, std::string>>& en
     put16(body, name_size), put16(body, 0);
     body += name + data;
     put32(directory, 0x02014b50);
-    put16(directory, 20), put16(directory, 20), put16(directory, 0), put16(directory, 0);
-    put16(directory, 0), put16(directory, 0x21);
+    // Made by Unix (3) when a mode is given, so that the mode counts.
+    put16(directory, mode != 0 ? 0x0314 : 20), put16(directory, 20), put16(directory, 0);
+    put16(directory, 0), put16(directory, 0), put16(directory, 0x21);
     put32(directory, crc), put32(directory, size), put32(directory, size);
     put16(directory, name_size), put16(directory, 0), put16(directory, 0), put16(directory, 0);
-    put16(directory, 0), put32(directory, 0), put32(directory, offset);
+    put16(directory, 0), put32(directory, mode << 16), put32(directory, offset);
     directory += name;
   }
   std::string zip = body + directory;
@@ -269,7 +276,7 @@ TEST_F(HostilePackage, ZipEntriesOfAPackageStayInTheTemporaryFolder) {
   Scenario();
   ZipFolderContents(src_, zip_);
   // The same documents as stored entries, with entries that climb out.
-  std::vector<std::pair<std::string, std::string>> entries;
+  std::vector<Entry> entries;
   for (const std::string& file : FilesBelow(src_)) entries.push_back({file, ReadFile(src_ + "/" + file)});
   entries.push_back({"../escaped.txt", "x"});
   entries.push_back({"../../escaped2.txt", "y"});
@@ -287,6 +294,39 @@ TEST_F(HostilePackage, ZipEntriesOfAPackageStayInTheTemporaryFolder) {
   EXPECT_FALSE(Exists(temp_ + "/escaped.txt"));
   EXPECT_FALSE(Exists(temp_ + "/escaped3.txt"));
   EXPECT_FALSE(Exists("/absolute-qv-escape.txt"));
+}
+
+TEST_F(HostilePackage, SymbolicLinksInArchivesLeadNowhere) {
+  const std::string outside = scratch_.Sub("outside");
+  const std::string secret = scratch_.Sub("secret.mp4");
+  MakeDirs(outside);
+  WriteFile(secret, kSecret);
+  MakeDirs(temp_);
+
+  // A plain archive: a link to a folder outside, then a file through it.
+  const std::string plain = scratch_.Sub("plain.zip");
+  WriteFile(plain, StoredZip({{"d", outside, 0120777}, {"d/pwned.txt", "x"}}));
+  const std::string dest = scratch_.Sub("dest");
+  MakeDirs(dest);
+  EXPECT_EQ(Unpackage(plain, dest).status, 0);
+  EXPECT_TRUE(ListDir(outside).empty()) << "written through a link";
+
+  // A package whose content file is a link to a local file, and whose
+  // content folder holds a link to a folder outside with a file through it.
+  Scenario();
+  std::vector<Entry> entries;
+  for (const std::string& file : FilesBelow(src_)) {
+    if (file != "QvFormat/QvC/CT1.mp4") entries.push_back({file, ReadFile(src_ + "/" + file)});
+  }
+  entries.push_back({"QvFormat/QvC/CT1.mp4", secret, 0120777});
+  entries.push_back({"QvFormat/QvC/lnk", outside, 0120777});
+  entries.push_back({"QvFormat/QvC/lnk/pwned.txt", "x"});
+  WriteFile(zip_, StoredZip(entries));
+  MakeDirs(back_);
+  RunResult r = Unpackage(zip_, back_);
+  EXPECT_EQ(r.status, 0) << r.output;
+  EXPECT_TRUE(ListDir(outside).empty()) << "written through a link";
+  EXPECT_FALSE(Leaked(back_)) << "a local file came in through a link";
 }
 
 }  // namespace
