@@ -1,11 +1,11 @@
-// A checker with a begun report, files written into a scratch folder, and the
-// Results of the report read back as plain values.
+// A checker with a begun report, files written into a scratch folder, and the Results read back.
 #ifndef QV_TESTS_CHECKER_CHECKER_HARNESS_H_
 #define QV_TESTS_CHECKER_CHECKER_HARNESS_H_
 
 #include <cstdint>
 #include <cstdlib>
 #include <ctime>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -18,12 +18,10 @@
 namespace qvtest {
 
 namespace checker = quorvane::qvconv::checker;
+namespace xml = quorvane::qvformat::format::io::xml;
 using quorvane::qvconv::converter::QvConvException;
-using quorvane::qvformat::format::io::xml::QvFXmlDocument;
 
-struct ReportResult {
-  std::string id, kind, pane, file, text;
-};
+struct ReportResult { std::string id, kind, pane, file, text; };
 
 // Sets LC_ALL for the life of the object.
 struct LocaleScope {
@@ -33,61 +31,40 @@ struct LocaleScope {
 
 class CheckerHarness {
  public:
-  CheckerHarness() {
-    checker.createReport();
-    checker.setSource(U16(dir.path()));
-    checker.display_region = {0, 0, 1920, 1080};
-  }
+  CheckerHarness() { checker.createReport(), checker.setSource(U16(dir.path())), checker.display_region = {0, 0, 1920, 1080}; }
 
   // Writes a project CSV file (code page 932, CR LF) below the scratch folder.
   std::string Csv(const std::string& relative, const std::vector<std::string>& lines) {
     std::string bytes;
     for (const std::string& line : lines) bytes += Cp932(line) + "\r\n";
-    const std::string path = dir.Sub(relative);
-    WriteFile(path, bytes);
-    return path;
+    return WriteFile(dir.Sub(relative), bytes), dir.Sub(relative);
   }
 
-  // Runs checkFile; the code of a QvConvException pointer, or of one thrown
-  // by value plus 10000, or 0.
-  std::int32_t Check(checker::QvChFileKind kind, const std::string& path) {
-    try {
-      checker.checkFile(kind, U16(path));
-    } catch (QvConvException* e) {
-      const std::int32_t code = e->code();
-      delete e;
-      return code;
-    } catch (const QvConvException& e) {
-      return e.code() + 10000;
-    }
-    return 0;
+  // Runs checkFile: the code of a QvConvException pointer, of one thrown by value plus 10000, or 0.
+  std::int32_t Check(checker::QvChFileKind kind, const std::string& path) try {
+    return checker.checkFile(kind, U16(path)), 0;
+  } catch (QvConvException* e) {
+    return std::unique_ptr<QvConvException>(e)->code();
+  } catch (const QvConvException& e) {
+    return e.code() + 10000;
   }
 
-  // Every Result of the report, in document order.
+  // Every Result of the report in document order; Kinds() gives "id:kind@pane" of each.
   std::vector<ReportResult> Results() const {
     std::vector<ReportResult> results;
-    using quorvane::qvformat::format::io::xml::ForEachChildElement;
-    ForEachChildElement(checker.check_result, [&](xercesc::DOMElement* data) {
-      ForEachChildElement(data, [&](xercesc::DOMElement* r) {
-        const XMLCh* text = r->getTextContent();
-        results.push_back({Attr(r, u"id"), Attr(r, u"kind"), Attr(r, u"pane"), Attr(r, u"file"),
-                           U8(reinterpret_cast<const char16_t*>(text))});
+    xml::ForEachChildElement(checker.check_result, [&](xercesc::DOMElement* data) {
+      xml::ForEachChildElement(data, [&](xercesc::DOMElement* r) {
+        auto attr = [r](const char16_t* name) { return U8(xml::QvFXmlDocument::getAttribute(r, name)); };
+        results.push_back({attr(u"id"), attr(u"kind"), attr(u"pane"), attr(u"file"),
+                           U8(reinterpret_cast<const char16_t*>(r->getTextContent()))});
       });
     });
     return results;
   }
-
-  // "id:kind@pane" of each Result, joined with spaces.
   std::string Kinds() const {
     std::string text;
-    for (const ReportResult& r : Results()) {
-      text += (text.empty() ? "" : " ") + r.id + ":" + r.kind + (r.pane.empty() ? "" : "@" + r.pane);
-    }
-    return text;
-  }
-
-  static std::string Attr(xercesc::DOMElement* e, const char16_t* name) {
-    return U8(QvFXmlDocument::getAttribute(e, name));
+    for (const ReportResult& r : Results()) text += " " + r.id + ":" + r.kind + (r.pane.empty() ? "" : "@" + r.pane);
+    return text.empty() ? text : text.substr(1);
   }
 
   ScratchDir dir;
@@ -96,15 +73,9 @@ class CheckerHarness {
 
 // A date `days` from today in the schedule's form.
 inline std::string DateFromToday(int days) {
-  std::time_t now = std::time(nullptr);
-  std::tm t = *std::localtime(&now);
-  t.tm_mday += days;
-  t.tm_hour = 12;
-  t.tm_isdst = -1;
-  std::mktime(&t);
+  const std::time_t when = std::time(nullptr) + days * 86400;
   char text[32];
-  std::snprintf(text, sizeof text, "%04d/%02d/%02d", t.tm_year + 1900, t.tm_mon + 1, t.tm_mday);
-  return text;
+  return std::string(text, std::strftime(text, sizeof text, "%Y/%m/%d", std::localtime(&when)));
 }
 
 }  // namespace qvtest
