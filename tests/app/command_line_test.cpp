@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <initializer_list>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -14,7 +13,7 @@ namespace {
 
 using namespace quorvane::qvconv::converter;
 
-ArgumentTable Table(std::initializer_list<const char*> arguments) {
+ArgumentTable Table(const std::vector<const char*>& arguments) {
   ArgumentTable table;
   table.slots[0] = u"qvConvApp";
   int i = 1;
@@ -69,7 +68,7 @@ TEST(CommandLine, AcceptedLines) {
 }
 
 TEST(CommandLine, RefusedWithMinusOne) {
-  const std::vector<std::initializer_list<const char*>> refused = {
+  const std::vector<std::vector<const char*>> refused = {
       {"a", "-package'"},
       {"a", "-unpackageb", "-packagea"},  // output already set
       {"a", "-packagea", "-packagea"},
@@ -78,7 +77,7 @@ TEST(CommandLine, RefusedWithMinusOne) {
       {"a", "-PACKAGEx"},  // names are case-exact
       {"a", "-paramx", "-paramy"},
   };
-  for (const auto& line : refused) EXPECT_EQ(RefusalCode(Table(line)), -1) << *(line.begin() + 1);
+  for (const auto& line : refused) EXPECT_EQ(RefusalCode(Table(line)), -1) << line[1];
 }
 
 TEST(DisplayRegion, FieldsAndConversion) {
