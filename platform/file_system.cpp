@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "platform/system_path.h"
 #include "platform/text_codec.h"
 
 namespace quorvane::platform {
@@ -76,29 +77,28 @@ std::string NativePath(std::u16string_view path) { return Utf8FromUtf16(path); }
 std::u16string PathFromNative(std::string_view native) { return Utf16FromUtf8(native); }
 
 MakeDirResult MakeDirectory(std::u16string_view path) {
-  if (::mkdir(NativePath(path).c_str(), 0777) == 0) return MakeDirResult::kCreated;
+  if (::mkdir(SystemPath(path).c_str(), 0777) == 0) return MakeDirResult::kCreated;
   return errno == EEXIST ? MakeDirResult::kExists : MakeDirResult::kFailed;
 }
 
 bool PathExists(std::u16string_view path) {
   struct stat st;
-  return ::lstat(NativePath(path).c_str(), &st) == 0;
+  return ::lstat(SystemPath(path).c_str(), &st) == 0;
 }
 
 bool IsDirectory(std::u16string_view path) {
   struct stat st;
-  return ::lstat(NativePath(path).c_str(), &st) == 0 && S_ISDIR(st.st_mode);
+  return ::lstat(SystemPath(path).c_str(), &st) == 0 && S_ISDIR(st.st_mode);
 }
 
 bool IsRegularFile(std::u16string_view path) {
   struct stat st;
-  return ::lstat(NativePath(path).c_str(), &st) == 0 && S_ISREG(st.st_mode);
+  return ::lstat(SystemPath(path).c_str(), &st) == 0 && S_ISREG(st.st_mode);
 }
 
 bool ListDirectory(std::u16string_view path, std::vector<DirEntry>* entries) {
   entries->clear();
-  const std::string native = NativePath(path);
-  DIR* dir = ::opendir(native.c_str());
+  DIR* dir = ::opendir(SystemPath(path).c_str());
   if (dir == nullptr) return false;
   const int dir_fd = ::dirfd(dir);
   std::vector<std::pair<std::string, DirEntry>> found;
@@ -125,26 +125,26 @@ bool ListDirectory(std::u16string_view path, std::vector<DirEntry>* entries) {
 }
 
 bool MakeWritable(std::u16string_view path) {
-  const std::string native = NativePath(path);
+  const SystemPath native(path);
   struct stat st;
   if (::lstat(native.c_str(), &st) != 0) return false;
   if (S_ISLNK(st.st_mode)) return true;  // a link has no mode of its own
   return ::chmod(native.c_str(), (st.st_mode & 07777) | S_IWUSR) == 0;
 }
 
-bool RemoveFile(std::u16string_view path) { return ::unlink(NativePath(path).c_str()) == 0; }
+bool RemoveFile(std::u16string_view path) { return ::unlink(SystemPath(path).c_str()) == 0; }
 
-bool RemoveDirectory(std::u16string_view path) { return ::rmdir(NativePath(path).c_str()) == 0; }
+bool RemoveDirectory(std::u16string_view path) { return ::rmdir(SystemPath(path).c_str()) == 0; }
 
 bool CopyFile(std::u16string_view source, std::u16string_view destination) {
-  const int in = OpenPlainFileForReading(NativePath(source));
+  const int in = OpenPlainFileForReading(SystemPath(source).str());
   if (in < 0) return false;
   struct stat st;
   if (::fstat(in, &st) != 0) {
     ::close(in);
     return false;
   }
-  const int out = OpenRetry(NativePath(destination), O_WRONLY | O_CREAT | O_TRUNC, 0666);
+  const int out = OpenRetry(SystemPath(destination).str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
   if (out < 0) {
     ::close(in);
     return false;
@@ -173,7 +173,7 @@ bool ReadFile(std::u16string_view path, std::string* bytes) {
 }
 
 bool ReadFilePrefix(std::u16string_view path, std::size_t limit, std::string* bytes) {
-  const int fd = OpenPlainFileForReading(NativePath(path));
+  const int fd = OpenPlainFileForReading(SystemPath(path).str());
   if (fd < 0) return false;
   const bool ok = ReadUpTo(fd, limit, bytes);
   ::close(fd);
@@ -193,7 +193,7 @@ bool OutputFile::Open(std::u16string_view path) {
   Close();
   failed_ = false;
   buffer_.clear();
-  fd_ = OpenRetry(NativePath(path), O_WRONLY | O_CREAT | O_TRUNC, 0666);
+  fd_ = OpenRetry(SystemPath(path).str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
   return fd_ >= 0;
 }
 

@@ -8,6 +8,7 @@
 #include <cerrno>
 
 #include "platform/file_system.h"
+#include "platform/system_path.h"
 
 extern char** environ;
 
@@ -16,9 +17,21 @@ namespace quorvane::platform {
 ProcessResult RunProcess(const std::vector<std::u16string>& argv) {
   ProcessResult result;
   if (argv.empty()) return result;
+  // A path too long for the system is passed in its short form; a switch
+  // that carries a path ("-o<folder>") keeps its switch in front.
+  std::vector<SystemPath> long_paths;
   std::vector<std::string> args;
   args.reserve(argv.size());
-  for (const auto& a : argv) args.push_back(NativePath(a));
+  for (const auto& a : argv) {
+    std::string arg = NativePath(a);
+    const std::size_t slash = arg.find('/');
+    if (arg.size() >= 3800 && slash != std::string::npos) {
+      const std::size_t path_start = arg[0] == '-' ? slash : 0;
+      long_paths.emplace_back(arg.substr(path_start));
+      arg = arg.substr(0, path_start) + long_paths.back().str();
+    }
+    args.push_back(std::move(arg));
+  }
   std::vector<char*> pointers;
   for (auto& a : args) pointers.push_back(a.data());
   pointers.push_back(nullptr);

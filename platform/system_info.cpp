@@ -10,6 +10,7 @@
 #include <cstdlib>
 
 #include "platform/file_system.h"
+#include "platform/system_path.h"
 
 namespace quorvane::platform {
 
@@ -49,7 +50,7 @@ void WriteStandardError(const std::string& text) {
 }
 
 FileLock::FileLock(std::u16string_view path) {
-  fd_ = ::open(NativePath(path).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+  fd_ = ::open(SystemPath(path).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
   if (fd_ < 0) return;
   while (::flock(fd_, LOCK_EX) != 0) {
     if (errno != EINTR) {

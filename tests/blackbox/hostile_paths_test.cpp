@@ -140,7 +140,7 @@ TEST_F(HostilePaths, JapaneseNamesAndPathsBeyond260Characters) {
 
 // A project, a package and a destination whose full paths are longer than
 // the 4,096 bytes that one system call takes.
-TEST_F(HostilePaths, DISABLED_PathsBeyond4096Characters) {
+TEST_F(HostilePaths, PathsBeyond4096Characters) {
   std::vector<std::string> members, project;
   Reference(&members, &project);
 
