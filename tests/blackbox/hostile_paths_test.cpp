@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -20,9 +19,8 @@ const std::string kSample = std::string(QV_SOURCE_DIR) + "/examples/sample";
 // The files of a project read back, with the time stamps of their names
 // replaced, so that two runs compare.
 std::vector<std::string> Unstamped(const std::string& folder) {
-  static const std::regex stamp("[0-9]{8}_[0-9]{6}");
   std::vector<std::string> out;
-  for (const std::string& file : FilesBelow(folder)) out.push_back(std::regex_replace(file, stamp, "S"));
+  for (const std::string& file : FilesBelow(folder)) out.push_back(ReplaceStamps(file, "S"));
   std::sort(out.begin(), out.end());
   return out;
 }

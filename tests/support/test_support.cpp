@@ -207,6 +207,42 @@ RunResult RunQv(const std::vector<std::string>& args, const std::vector<std::str
   return Run(full, env);
 }
 
+namespace {
+
+std::size_t FindStamp(const std::string& text, std::size_t from) {
+  auto digits = [&](std::size_t at, std::size_t n) {
+    for (std::size_t i = at; i < at + n; ++i) {
+      if (text[i] < '0' || text[i] > '9') return false;
+    }
+    return true;
+  };
+  for (std::size_t i = from; i + 15 <= text.size(); ++i) {
+    if (digits(i, 8) && text[i + 8] == '_' && digits(i + 9, 6)) return i;
+  }
+  return std::string::npos;
+}
+
+}  // namespace
+
+std::string ReplaceStamps(std::string text, const std::string& with) {
+  for (std::size_t at = FindStamp(text, 0); at != std::string::npos; at = FindStamp(text, at + with.size())) {
+    text.replace(at, 15, with);
+  }
+  return text;
+}
+
+std::string FirstStamp(const std::string& text) {
+  const std::size_t at = FindStamp(text, 0);
+  return at == std::string::npos ? std::string() : text.substr(at, 15);
+}
+
+std::string EraseAll(std::string text, const std::vector<std::string>& pieces) {
+  for (const std::string& piece : pieces) {
+    for (std::size_t at; (at = text.find(piece)) != std::string::npos;) text.erase(at, piece.size());
+  }
+  return text;
+}
+
 void ZipFolderContents(const std::string& folder, const std::string& zip) {
   // 7za stores entries relative to the current folder when given "*".
   std::string abs_zip = fs::absolute(zip).string();

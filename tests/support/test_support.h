@@ -61,6 +61,13 @@ RunResult Run(const std::vector<std::string>& args,
 RunResult RunQv(const std::vector<std::string>& args,
                 const std::vector<std::string>& env = {});
 
+// Every stamp "YYYYMMDD_hhmmss" of a written project name replaced by `with`;
+// the first one in `text` (empty if none).
+std::string ReplaceStamps(std::string text, const std::string& with);
+std::string FirstStamp(const std::string& text);
+// `text` without any of the pieces.
+std::string EraseAll(std::string text, const std::vector<std::string>& pieces);
+
 // The 8-bit status a POSIX caller sees for one of our exit codes.
 inline int Status(int code) { return code & 0xff; }
 

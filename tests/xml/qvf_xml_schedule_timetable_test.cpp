@@ -1,7 +1,6 @@
 // Schedule and time table documents: round trips, attributes written only when there, walking rules.
 #include <ctime>
 #include <memory>
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -43,8 +42,9 @@ class XmlScheduleTimeTable : public ::testing::TestWithParam<bool> {
   template <typename Write>
   void Again(Write write) {
     bytes_ = Body(), write();
-    const std::regex flag(" (valid|v|add|ad)=\"f(alse)?\"");
-    EXPECT_EQ(std::regex_replace(Body(), flag, ""), std::regex_replace(bytes_, flag, ""));
+    const std::vector<std::string> flags = {" valid=\"false\"", " v=\"f\"", " add=\"false\"", " ad=\"f\"",
+                                            " valid=\"f\"", " v=\"false\"", " add=\"f\"", " ad=\"false\""};
+    EXPECT_EQ(qvtest::EraseAll(Body(), flags), qvtest::EraseAll(bytes_, flags));
   }
   std::string Body() { const std::string b = qvtest::ReadFile(path_); return b.substr(b.find("?>") + 2); }
   std::u16string Hand(const std::string& text) { qvtest::WriteFile(path_, text); return U16(path_); }
