@@ -23,13 +23,13 @@ TEST_F(CheckRegion, ProgramMustFitAndStartAtTheRegionsCorner) {
   p_.Playlist("Program_1", 1, {MovieItem("a.mp4")});
   p_.Content("a.mp4", "a");
   for (const Case& c : cases) {
-    ProgramSpec spec;
-    spec.x = c.x;
-    spec.y = c.y;
-    spec.width = c.width;
-    spec.height = c.height;
-    spec.panes = {Pane{1, c.pane_x, c.pane_y, c.width, c.height}};
-    p_.Program("Program_1", spec);
+    ProgramShape shape;
+    shape.x = c.x;
+    shape.y = c.y;
+    shape.width = c.width;
+    shape.height = c.height;
+    shape.panes = {Pane{1, c.pane_x, c.pane_y, c.width, c.height}};
+    p_.Program("Program_1", shape);
     RemoveAll(report_);
     RunResult r = RunQv({project_, "-check" + report_, "-td" + c.region}, RunEnv(temp_));
     std::string ids;

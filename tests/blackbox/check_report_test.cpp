@@ -63,7 +63,7 @@ class CheckProgram : public BlackBoxTest {
   void Build(const std::vector<Pane>& panes, const std::vector<Item>& frame, int telop_font = 40) {
     deep_p_.Schedule({ScheduleEntry("2035/05/05", "TimeTable_1.csv", "true")});
     deep_p_.TimeTable("TimeTable_1.csv", "T", {ProgramLine("08:00:00", "09:00:00", "Program_1")});
-    deep_p_.Program("Program_1", ProgramSpec{.panes = panes});
+    deep_p_.Program("Program_1", ProgramShape{.panes = panes});
     deep_p_.Playlist("Program_1", 1, frame);
     for (const char* name : {"a.mp4", "b.png", "c.jpg"}) deep_p_.Content(name, name);
     const std::string telop = Cp932(TelopText(telop_font, 0, {"telop"}));

@@ -39,17 +39,17 @@ void ProjectBuilder::Schedule(const Rows& entries, const std::string& file, cons
   File(file, CsvBytes(rows));
 }
 
-void ProjectBuilder::Program(const std::string& folder, const ProgramSpec& spec) {
+void ProjectBuilder::Program(const std::string& folder, const ProgramShape& shape) {
   auto s = [](int v) { return std::to_string(v); };
-  Rows rows{{spec.title}, {"0xD4F0FF", s(spec.x), s(spec.y), s(spec.width), s(spec.height), spec.play_time, "0"}};
+  Rows rows{{shape.title}, {"0xD4F0FF", s(shape.x), s(shape.y), s(shape.width), s(shape.height), shape.play_time, "0"}};
   for (int n = 0; n <= 8; ++n) {
     // Pane 0, the background, fills the frame; panes not in use are off (but 7 says true).
     bool used = n == 0;
-    Pane pane = used ? Pane{0, spec.x, spec.y, spec.width, spec.height} : Pane{n, 0, 0, 0, 0};
-    for (const Pane& p : spec.panes)
+    Pane pane = used ? Pane{0, shape.x, shape.y, shape.width, shape.height} : Pane{n, 0, 0, 0, 0};
+    for (const Pane& p : shape.panes)
       if (p.number == n) pane = p, used = true;
     rows.push_back({s(n), "playlist_" + s(n) + ".csv", s(pane.x), s(pane.y), s(pane.width), s(pane.height),
-                    used ? spec.background : "0x000000", "false", "0", used || n == 7 ? "true" : "false"});
+                    used ? shape.background : "0x000000", "false", "0", used || n == 7 ? "true" : "false"});
   }
   File(folder + "/program.csv", CsvBytes(rows));
 }
@@ -81,7 +81,7 @@ void BuildCleanProject(ProjectBuilder& p) {
               {ProgramLine("09:00:00", "12:00:00", "ニュース番組"), ProgramLine("12:00:00", "18:00:00", "Program_ads"),
                CommandLine("18:00:00", "3", "HDMI1")});
   p.TimeTable("TimeTable_weekend.csv", "Weekend", {ProgramLine("10:00:00", "20:00:00", "Program_ads")});
-  ProgramSpec news, ads;
+  ProgramShape news, ads;
   news.title = "ニュース", news.panes = {Pane{1, 0, 0, 1920, 900}, Pane{5, 0, 900, 1920, 180}};
   ads.title = "Advertising", ads.background = "0x000000", ads.panes = {Pane{1, 0, 0, 1920, 1080}};
   Item movie = MovieItem("オープニング.mp4"), logo = ImageItem("ロゴ.png"), photo = ImageItem("photo.jpeg", "258", "1000");

@@ -40,7 +40,7 @@ inline Item TelopItem(Cell file) { return MovieItem(file, "00:00:20"); }
 inline Item BlankItem(Cell kind = "8") { return {.kind = kind, .time = "00:00:03"}; }
 
 struct Pane { int number = 1, x = 0, y = 0, width = 1920, height = 1080; };  // a pane in use
-struct ProgramSpec {
+struct ProgramShape {
   std::string title = "Program";
   int x = 0, y = 0, width = 1920, height = 1080;
   std::string play_time = "00:10:00", background = "0x102030";
@@ -61,7 +61,7 @@ class ProjectBuilder {
   void TimeTable(const std::string& file, const std::string& title, const Rows& lines) {
     Schedule(lines, file, title, "0xD4F0FF");  // the same shape: a title, a colour, the rows
   }
-  void Program(const std::string& folder, const ProgramSpec& spec);  // all nine pane lines
+  void Program(const std::string& folder, const ProgramShape& shape);  // all nine pane lines
   // playlist_<pane>.csv and information/contents_<pane>_<k>.csv per item.
   void Playlist(const std::string& folder, int pane, const std::vector<Item>& items);
   void Content(const std::string& name, std::string_view bytes) { File("contents/" + name, bytes); }

@@ -79,7 +79,7 @@ TEST_F(RoundTrip, SecondPackageHoldsTheSameDocuments) {
   p_.TimeTable("TimeTable_a.csv", "A", {ProgramLine("06:00:00", "12:00:00", "Program_a"),
                                         ProgramLine("12:00:00", "23:00:00", "Program_b"), CommandLine("23:30:00", "4", "HDMI2")});
   p_.TimeTable("TimeTable_b.csv", "B", {ProgramLine("00:00:00", "23:59:59", "Program_b")});
-  ProgramSpec a, b;
+  ProgramShape a, b;
   a.title = "番組A", a.play_time = "01:02:03", a.background = "0x0000ff", a.panes = {Pane{1, 0, 0, 1920, 1080}};
   b.title = "Program B", b.panes = {Pane{1, 0, 0, 1080, 1920}};
   Item movie = MovieItem("clip.mp4", "00:01:00"), slide = ImageItem("slide.jpg", "65800", "750");
