@@ -15,14 +15,6 @@ namespace {
 
 const std::string kSample = std::string(QV_SOURCE_DIR) + "/examples/sample";
 
-// The files of a project, with the time stamps of their names replaced so that two runs compare.
-std::vector<std::string> Unstamped(const std::string& folder) {
-  std::vector<std::string> out;
-  for (const std::string& file : FilesBelow(folder)) out.push_back(ReplaceStamps(file, "S"));
-  std::sort(out.begin(), out.end());
-  return out;
-}
-
 // Extends `path` by Japanese folders of about 180 bytes each until it is longer than `length`, made
 // one step at a time from an open folder, as no single call takes so long a path.  The last stays open.
 int MakeDeepFolder(std::string& path, std::size_t length) {

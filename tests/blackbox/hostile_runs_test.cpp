@@ -12,13 +12,6 @@ namespace {
 
 const std::string kSample = std::string(QV_SOURCE_DIR) + "/examples/sample";
 
-std::vector<std::string> Unstamped(const std::string& folder) {
-  std::vector<std::string> out;
-  for (const std::string& file : FilesBelow(folder)) out.push_back(ReplaceStamps(file, "S"));
-  std::sort(out.begin(), out.end());
-  return out;
-}
-
 class HostileRuns : public BlackBoxTest {};
 
 TEST_F(HostileRuns, ConversionsChecksAndOpeningsSideBySide) {

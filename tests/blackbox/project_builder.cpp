@@ -190,4 +190,11 @@ std::string BlackBoxTest::Extracted() {
   return extracted_ + "/QvFormat";
 }
 
+std::vector<std::string> Unstamped(const std::string& folder) {
+  std::vector<std::string> out;
+  for (const std::string& file : FilesBelow(folder)) out.push_back(ReplaceStamps(file, "S"));
+  std::sort(out.begin(), out.end());
+  return out;
+}
+
 }  // namespace qvtest

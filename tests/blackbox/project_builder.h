@@ -97,6 +97,8 @@ std::string Outline(const XmlNode& node, int depth = 0);
 XmlNode ParseXml(const std::string& path);  // a test failure and an empty node on error
 void Unzip(const std::string& zip, const std::string& folder);
 std::vector<std::string> FilesBelow(const std::string& folder);  // plain files, relative, sorted
+// The files below a folder with the stamps of their names as "S", sorted: two runs compare.
+std::vector<std::string> Unstamped(const std::string& folder);
 inline std::vector<std::string> WorkFolders(const std::string& temp) {  // those a run left in <temp>/QvConv
   return IsDir(temp + "/QvConv") ? ListDir(temp + "/QvConv") : std::vector<std::string>{};
 }
