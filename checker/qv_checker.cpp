@@ -81,6 +81,9 @@ void QvChecker::writeReport(const std::u16string& path) {
     throw;
   } catch (const std::exception&) {
     converter::ThrowCode(converter::codes::kReportNotWritten);
+  } catch (const qvformat::format::io::xml::QvFXmlFileNotWritten&) {
+    // A report that the disk does not take is a report not written.
+    converter::ThrowCode(converter::codes::kReportNotWritten);
   }
 }
 

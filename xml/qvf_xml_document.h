@@ -31,6 +31,15 @@ namespace quorvane::qvformat::format::io::xml {
 
 class RefusingEntityResolver;
 
+// Thrown by QvFXmlDocument::serialize when the file cannot be made or is cut
+// short.  It stands for the XML library's own file error, which is no standard
+// exception either: the guards of a conversion that turn standard exceptions
+// into codes let it pass, and the run ends as an unknown failure (-999).  The
+// check report's writer turns it into its own code.
+struct QvFXmlFileNotWritten {
+  std::u16string path;
+};
+
 // A scope in which the XML library is started: Initialize at construction,
 // the matching Terminate at destruction.  A failed start-up is swallowed and
 // reported by started().
@@ -69,11 +78,12 @@ class QvFXmlDocument {
   void parse(const std::u16string& path);
 
   // Writes the document to `path` as UTF-8 with an XML declaration and no byte
-  // order mark; `pretty` adds line breaks and indentation.  Throws
-  // std::runtime_error when the file cannot be written or the library refuses
-  // the tree (a text holding a character that XML cannot carry, such as a
-  // control character or a lone surrogate).  No library exception leaves this
-  // class: it could outlive the library it belongs to.
+  // order mark; `pretty` adds line breaks and indentation.  A file that cannot
+  // be made or is cut short (a full disk) throws QvFXmlFileNotWritten; a tree
+  // that the library refuses (a text holding a character that XML cannot
+  // carry, such as a control character or a lone surrogate) throws
+  // std::runtime_error.  No library exception leaves this class: it could
+  // outlive the library it belongs to.
   void serialize(const std::u16string& path, bool pretty);
 
   // The bytes that serialize() would write.
