@@ -2,20 +2,12 @@
 
 #include <cstdint>
 
-#include "model/qvf_text_forms.h"
+#include "model/qvf_number_scan.h"
 
 namespace quorvane::qvconv::checker {
 namespace {
 
-bool IsSpace(char16_t c) { return c == u' ' || (c >= u'\t' && c <= u'\r'); }
 bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
-
-int HexValue(char16_t c) {
-  if (c >= u'0' && c <= u'9') return c - u'0';
-  if (c >= u'a' && c <= u'f') return c - u'a' + 10;
-  if (c >= u'A' && c <= u'F') return c - u'A' + 10;
-  return -1;
-}
 
 }  // namespace
 
@@ -27,7 +19,7 @@ int ScanNumbers(std::u16string_view text, char16_t separator, int width, int cou
       if (pos >= text.size() || text[pos] != separator) return i;
       ++pos;
     }
-    while (pos < text.size() && IsSpace(text[pos])) ++pos;
+    while (pos < text.size() && qvformat::format::IsRuntimeSpace(text[pos])) ++pos;
     int used = 0;
     bool negative = false;
     if (pos < text.size() && used < width && (text[pos] == u'+' || text[pos] == u'-')) {
@@ -72,30 +64,9 @@ bool EqualsIgnoreCase(std::u16string_view a, std::u16string_view b) {
   return true;
 }
 
-std::int32_t ParseHex(std::u16string_view text) {
-  std::size_t pos = 0;
-  while (pos < text.size() && IsSpace(text[pos])) ++pos;
-  bool negative = false;
-  if (pos < text.size() && (text[pos] == u'+' || text[pos] == u'-')) {
-    negative = text[pos] == u'-';
-    ++pos;
-  }
-  // "0x" is a prefix only when a hexadecimal digit follows it.
-  if (pos + 2 < text.size() && text[pos] == u'0' && (text[pos + 1] == u'x' || text[pos + 1] == u'X') &&
-      HexValue(text[pos + 2]) >= 0) {
-    pos += 2;
-  }
-  constexpr std::int64_t kLimit = 2147483648LL;
-  std::int64_t value = 0;
-  for (; pos < text.size() && HexValue(text[pos]) >= 0; ++pos) {
-    value = value * 16 + HexValue(text[pos]);
-    if (value > kLimit) value = kLimit;
-  }
-  if (negative) return static_cast<std::int32_t>(-value);
-  return value >= kLimit ? INT32_MAX : static_cast<std::int32_t>(value);
-}
+std::int32_t ParseHex(std::u16string_view text) { return qvformat::format::ParseLong(text, 16); }
 
-std::int32_t ParseLong(std::u16string_view text) { return qvformat::format::ParseInt(text); }
+std::int32_t ParseLong(std::u16string_view text) { return qvformat::format::ParseLong(text, 10); }
 
 std::size_t CountUtf8Characters(std::string_view text) {
   std::size_t count = 0;

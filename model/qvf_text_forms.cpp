@@ -5,22 +5,13 @@
 #include <cstdint>
 #include <stdexcept>
 
+#include "model/qvf_number_scan.h"
+
 namespace quorvane::qvformat::format {
 
 namespace {
 
-bool IsSpace(char16_t c) {
-  return c == u' ' || c == u'\t' || c == u'\n' || c == u'\v' || c == u'\f' || c == u'\r';
-}
-
 bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
-
-int HexValue(char16_t c) {
-  if (c >= u'0' && c <= u'9') return c - u'0';
-  if (c >= u'a' && c <= u'f') return c - u'a' + 10;
-  if (c >= u'A' && c <= u'F') return c - u'A' + 10;
-  return -1;
-}
 
 std::u16string Widen(const std::string& ascii) { return std::u16string(ascii.begin(), ascii.end()); }
 
@@ -59,31 +50,13 @@ std::u16string FormatColor(const QvFColor& color, std::u16string_view prefix) {
   return text;
 }
 
-// wcstoul with base 16 on 32-bit unsigned long: white space, a sign, an
-// optional "0x"/"0X", then hexadecimal digits.  Overflow gives the largest value.
+// wcstoul with base 16 on 32-bit unsigned long.  Overflow gives the largest value.
 std::uint32_t ScanUnsignedHex(std::u16string_view text) {
-  std::size_t pos = 0;
-  while (pos < text.size() && IsSpace(text[pos])) ++pos;
-  bool negative = false;
-  if (pos < text.size() && (text[pos] == u'+' || text[pos] == u'-')) {
-    negative = text[pos] == u'-';
-    ++pos;
-  }
-  if (pos + 1 < text.size() && text[pos] == u'0' && (text[pos + 1] == u'x' || text[pos + 1] == u'X')) {
-    pos += 2;
-  }
-  std::uint64_t value = 0;
-  bool overflow = false;
-  for (; pos < text.size() && HexValue(text[pos]) >= 0; ++pos) {
-    value = value * 16 + static_cast<std::uint64_t>(HexValue(text[pos]));
-    if (value > 0xffffffffu) {
-      overflow = true;
-      value = 0xffffffffu;
-    }
-  }
-  if (overflow) return 0xffffffffu;
-  std::uint32_t result = static_cast<std::uint32_t>(value);
-  return negative ? static_cast<std::uint32_t>(0u - result) : result;
+  constexpr std::uint64_t kOverflow = 0x100000000ULL;
+  const ScannedNumber number = ScanNumber(text, 16, kOverflow);
+  if (number.magnitude == kOverflow) return 0xffffffffu;
+  const auto value = static_cast<std::uint32_t>(number.magnitude);
+  return number.negative ? 0u - value : value;
 }
 
 // One "%<width>d" of a scan at `pos`: white space is skipped (and not counted),
@@ -91,7 +64,7 @@ std::uint32_t ScanUnsignedHex(std::u16string_view text) {
 // False, with nothing stored, when no digit stands there.
 bool ScanDecimal(std::u16string_view text, std::size_t& pos, std::size_t width, std::int32_t& value) {
   std::size_t at = pos;
-  while (at < text.size() && IsSpace(text[at])) ++at;
+  while (at < text.size() && IsRuntimeSpace(text[at])) ++at;
   std::size_t end = at + width < text.size() ? at + width : text.size();
   bool negative = false;
   if (at < end && (text[at] == u'+' || text[at] == u'-')) {
@@ -172,23 +145,7 @@ void ParseTime(std::u16string_view text, std::tm& time) {
 
 std::u16string FormatInt(std::int32_t value) { return PaddedDecimal(value, 0); }
 
-std::int32_t ParseInt(std::u16string_view text) {
-  std::size_t pos = 0;
-  while (pos < text.size() && IsSpace(text[pos])) ++pos;
-  bool negative = false;
-  if (pos < text.size() && (text[pos] == u'+' || text[pos] == u'-')) {
-    negative = text[pos] == u'-';
-    ++pos;
-  }
-  std::int64_t value = 0;
-  constexpr std::int64_t kLimit = 2147483648LL;  // one past INT32_MAX: the magnitude of INT32_MIN
-  for (; pos < text.size() && IsDigit(text[pos]); ++pos) {
-    value = value * 10 + (text[pos] - u'0');
-    if (value > kLimit) value = kLimit;
-  }
-  if (negative) return static_cast<std::int32_t>(-value);
-  return value >= kLimit ? INT32_MAX : static_cast<std::int32_t>(value);
-}
+std::int32_t ParseInt(std::u16string_view text) { return ParseLong(text, 10); }
 
 std::array<std::u16string, 4> FormatRegion(const QvFRegion& region) {
   return {FormatInt(region.x), FormatInt(region.y), FormatInt(region.width), FormatInt(region.height)};

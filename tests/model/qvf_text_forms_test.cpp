@@ -1,6 +1,7 @@
 // Text forms: colours in both forms, the scans of dates and times with the
 // fields they leave alone, _wtoi integers and the flag parses.
 #include "model/qvf_text_forms.h"
+#include "model/qvf_number_scan.h"
 
 #include <gtest/gtest.h>
 
@@ -53,6 +54,8 @@ TEST(ModelTextForms, ColoursBothFormsBothWays) {
       {u"#00000000", QvFColor(), {0, 0, 0, 0}},
       {u"", Color(1, 2, 3, 4), {1, 2, 3, 4}},               // empty changes nothing
       {u"#12zz5678", QvFColor(), {0, 0, 0, 0x12}},          // digits stop; length decides alpha
+      {u"#1ffffffff", QvFColor(), {255, 255, 255, 255}},    // overflow: the largest value
+      {u"#-1", QvFColor(), {255, 255, 255, 255}},           // a sign wraps round
   };
   for (const Case& c : cases) {
     QvFColor color = c.before;
@@ -97,6 +100,11 @@ TEST(ModelTextForms, IntegersAndRegions) {
       {u"99999999999999999999", 2147483647}, {u"-2147483648", -2147483647 - 1}};
   for (const auto& [text, value] : ints) EXPECT_EQ(ParseInt(text), value);
   EXPECT_EQ(FormatInt(-2147483647 - 1), u"-2147483648");
+  // The hexadecimal reading of the check table's numbers: wcstol base 16.
+  const std::pair<std::u16string_view, int> hex[] = {
+      {u" ff", 255}, {u"0x7fffffff", 2147483647}, {u"-0x80000000", -2147483647 - 1},
+      {u"0x", 0}, {u"0xg", 0}, {u"-1ffffffff", -2147483647 - 1}, {u"100000000", 2147483647}};
+  for (const auto& [text, value] : hex) EXPECT_EQ(ParseLong(text, 16), value);
 
   QvFRegion region;
   region.x = 9;
