@@ -27,8 +27,9 @@ std::string MessageLocaleName();
 // the XML library's start-up failure).
 void WriteStandardError(const std::string& text);
 
-// An exclusive advisory lock on a file, made if missing; released at
-// destruction or process end.  Lets runs side by side take turns on a
+// An exclusive advisory lock on a file, made if missing; at destruction the
+// file is removed and the lock released (a process that ends releases it too,
+// and may leave the empty file).  Lets runs side by side take turns on a
 // shared fixed-name folder.
 class FileLock {
  public:
@@ -39,6 +40,7 @@ class FileLock {
   bool held() const { return fd_ >= 0; }
 
  private:
+  std::u16string path_;
   int fd_ = -1;
 };
 

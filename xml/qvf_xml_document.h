@@ -34,8 +34,7 @@ class RefusingEntityResolver;
 // Thrown by QvFXmlDocument::serialize when the file cannot be made or is cut
 // short.  It stands for the XML library's own file error, which is no standard
 // exception either: the guards of a conversion that turn standard exceptions
-// into codes let it pass, and the run ends as an unknown failure (-999).  The
-// check report's writer turns it into its own code.
+// into codes let it pass, and the run ends as an unknown failure (-999).
 struct QvFXmlFileNotWritten {
   std::u16string path;
 };

@@ -134,12 +134,27 @@ TEST(SystemInfo, TempFolderUuidAndLocale) {
 
 TEST(SystemInfo, FileLockIsExclusiveBetweenProcesses) {
   ScratchDir dir;
-  const std::u16string lock_path = U16(dir.path() + "/lock");
-  FileLock lock(lock_path);
+  const std::string lock_file = dir.path() + "/lock";
+  {
+    FileLock lock(U16(lock_file));
+    ASSERT_TRUE(lock.held());
+    // flock(1) in another process must not get the lock while we hold it.
+    EXPECT_NE(qvtest::Run({"flock", "-n", lock_file, "true"}).status, 0);
+  }
+  // Let go, the file is gone: nothing is left in the temporary folder.
+  EXPECT_FALSE(qvtest::Exists(lock_file));
+
+  // A run that waited on a file that its holder then removed must not count
+  // that lock as its own: it takes the file that the name stands for now.
+  // The other process holds the lock for a moment, removes the file and lets go.
+  auto holder = qvtest::Run({"sh", "-c",
+                             "flock \"$0\" sh -c 'touch \"$0.held\"; sleep 0.3; rm \"$0\"' \"$0\" &"
+                             "while [ ! -e \"$0.held\" ]; do sleep 0.01; done", lock_file});
+  ASSERT_EQ(holder.status, 0);
+  FileLock lock(U16(lock_file));
   ASSERT_TRUE(lock.held());
-  // flock(1) in another process must not get the lock while we hold it.
-  auto r = qvtest::Run({"flock", "-n", dir.path() + "/lock", "true"});
-  EXPECT_NE(r.status, 0);
+  EXPECT_TRUE(qvtest::Exists(lock_file));
+  EXPECT_NE(qvtest::Run({"flock", "-n", lock_file, "true"}).status, 0);
 }
 
 }  // namespace
