@@ -19,7 +19,18 @@ std::string TelopAsUtf8(std::string_view bytes, int byte_order_mark) {
     }
     return Utf8FromWide(text);
   }
-  return Utf8FromWide(WideFromCp932(bytes));
+  // Anything else is read and written in text mode: reading ends at a Ctrl-Z,
+  // and every line feed is written as CR LF (one that follows a CR already
+  // stays as it is).  Neither byte is ever the second byte of a double-byte
+  // character or part of a UTF-8 sequence.
+  const std::string utf8 = Utf8FromWide(WideFromCp932(bytes.substr(0, bytes.find('\x1a'))));
+  std::string text;
+  text.reserve(utf8.size() + utf8.size() / 16);
+  for (std::size_t i = 0; i < utf8.size(); ++i) {
+    if (utf8[i] == '\n' && (i == 0 || utf8[i - 1] != '\r')) text += '\r';
+    text += utf8[i];
+  }
+  return text;
 }
 
 void CopyTelopAsText(const std::u16string& source, const std::u16string& destination) {

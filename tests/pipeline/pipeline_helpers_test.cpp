@@ -11,6 +11,10 @@ using qvtest::U16;
 TEST(TelopRecoding, Cp932AndUnmarkedTextBecomeUtf8) {
   EXPECT_EQ(TelopAsUtf8(Cp932("お知らせ\r\n本日休業\r\n"), 0), "お知らせ\r\n本日休業\r\n");
   EXPECT_EQ(TelopAsUtf8("", 0), "");
+  // Text mode: a bare line feed is written as CR LF, a lone CR stays, and a
+  // Ctrl-Z ends the text.
+  EXPECT_EQ(TelopAsUtf8(Cp932("一\n二\r三\r\r\n四\x1a五\n"), 0), "一\r\n二\r三\r\r\n四");
+  EXPECT_EQ(TelopAsUtf8("\n\x1a", 0), "\r\n");
   // A UTF-8 mark is not honoured: the file is read as code page 932.
   EXPECT_NE(TelopAsUtf8("\xEF\xBB\xBF" "abc", 3), "abc");
   // Big-endian UTF-16 is read as code page 932 too: its zero bytes stay.
