@@ -49,6 +49,26 @@ std::u16string FromLittleEndianBytes(const char* data, std::size_t size) {
   return out;
 }
 
+// Five single bytes that Windows' code page 932 reads as characters of their
+// own and iconv's table leaves out: 0x80 and, in the private use area, 0xA0
+// and 0xFD to 0xFF.  Both directions keep them, so they come back as they were.
+constexpr unsigned char kExtraBytes[] = {0x80, 0xA0, 0xFD, 0xFE, 0xFF};
+constexpr char16_t kExtraCharacters[] = {0x0080, 0xF8F0, 0xF8F1, 0xF8F2, 0xF8F3};
+
+int ExtraIndexOfByte(unsigned char b) {
+  for (int i = 0; i < 5; ++i) {
+    if (kExtraBytes[i] == b) return i;
+  }
+  return -1;
+}
+
+int ExtraIndexOfCharacter(char16_t c) {
+  for (int i = 0; i < 5; ++i) {
+    if (kExtraCharacters[i] == c) return i;
+  }
+  return -1;
+}
+
 bool IsHighSurrogate(char16_t c) { return c >= 0xD800 && c <= 0xDBFF; }
 bool IsLowSurrogate(char16_t c) { return c >= 0xDC00 && c <= 0xDFFF; }
 
@@ -91,6 +111,13 @@ std::u16string Utf16FromCp932(std::string_view bytes) {
       // first byte (and its trail byte, if it is one), then go on.
       const auto lead = static_cast<unsigned char>(*in);
       std::size_t skip = 1;
+      if (const int extra = ExtraIndexOfByte(lead); extra >= 0) {
+        out.push_back(kExtraCharacters[extra]);
+        ++in;
+        --in_left;
+        iconv(cd, nullptr, nullptr, nullptr, nullptr);
+        continue;
+      }
       if (in_left >= 2 && ((lead >= 0x81 && lead <= 0x9F) || (lead >= 0xE0 && lead <= 0xFC))) {
         const auto trail = static_cast<unsigned char>(in[1]);
         if (trail >= 0x40 && trail <= 0xFC && trail != 0x7F) skip = 2;
@@ -129,6 +156,10 @@ std::string Cp932FromUtf16(std::u16string_view text) {
     char16_t c = text[i];
     if (c < 0x80) {
       out.push_back(static_cast<char>(c));
+      continue;
+    }
+    if (const int extra = ExtraIndexOfCharacter(c); extra >= 0) {
+      out.push_back(static_cast<char>(kExtraBytes[extra]));
       continue;
     }
     if (!conv.ok() || IsHighSurrogate(c) || IsLowSurrogate(c)) {

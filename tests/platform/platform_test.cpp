@@ -26,9 +26,13 @@ TEST(TextCodec, Cp932RoundTripKeepsJapaneseAndBackslashTrailBytes) {
 }
 
 TEST(TextCodec, Cp932ReplacesWhatItCannotCarry) {
-  // A lone lead byte at the end and an undefined lead byte decode to U+30FB.
+  // A lone lead byte at the end and an unassigned pair decode to U+30FB.
   EXPECT_EQ(Utf16FromCp932(std::string("a\x81", 2)), u"a\u30FB");
-  EXPECT_EQ(Utf16FromCp932(std::string("\xFD" "b", 2)), u"\u30FB" u"b");
+  EXPECT_EQ(Utf16FromCp932(std::string("\x85\x40" "b", 3)), u"\u30FB" u"b");
+  // The single bytes that Windows reads as characters of their own come back whole.
+  const std::string extras("\x80\xA0\xFD\xFE\xFF" "\x82\xA0", 7);
+  EXPECT_EQ(Utf16FromCp932(extras), u"\u0080\uF8F0\uF8F1\uF8F2\uF8F3\u3042");
+  EXPECT_EQ(Cp932FromUtf16(Utf16FromCp932(extras)), extras);
   // A character outside code page 932 (and one outside the basic plane) become "?".
   EXPECT_EQ(Cp932FromUtf16(u"x\u0100y"), "x?y");
   EXPECT_EQ(Cp932FromUtf16(u"\U0001F600"), "?");
