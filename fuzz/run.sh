@@ -14,7 +14,7 @@ cd "$(dirname "$0")"
 SECONDS_EACH=${1:-60}
 shift || true
 ALL=(csv_file_fuzzer csv_reader_fuzzer xml_compact_fuzzer xml_debug_fuzzer
-     parameter_file_fuzzer telop_fuzzer text_forms_fuzzer command_line_fuzzer)
+     parameter_file_fuzzer telop_fuzzer checker_fuzzer text_forms_fuzzer command_line_fuzzer)
 TARGETS=("$@")
 [ ${#TARGETS[@]} -eq 0 ] && TARGETS=("${ALL[@]}")
 
