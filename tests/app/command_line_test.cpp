@@ -21,18 +21,6 @@ ArgumentTable Table(const std::vector<const char*>& arguments) {
   return table;
 }
 
-// The code that the command line is refused with, or 0 if it is accepted.
-int RefusalCode(const ArgumentTable& table) {
-  try {
-    ParseCommandLine(table);
-  } catch (QvConvException* failure) {
-    const int code = failure->code();
-    delete failure;
-    return code;
-  }
-  return 0;
-}
-
 TEST(OptionValue, QuotesAndBlanks) {
   const std::pair<const char16_t*, const char16_t*> cases[] = {
       {u"-packageout.zip", u"out.zip"},     {u"-package\"out.zip\"", u"out.zip"},
@@ -42,16 +30,14 @@ TEST(OptionValue, QuotesAndBlanks) {
       {u"-package\"\"\"", u"\""},           // one quote each end only
       {u"-package''", u""},
   };
-  for (const auto& [argument, value] : cases) {
+  for (const auto& [argument, value] : cases)
     EXPECT_EQ(OptionValue(u"-package", argument), value) << qvtest::U8(argument);
-  }
   EXPECT_EQ(OptionValue(u"-td", u"-td\r\n(1,2,3,4)\v\f"), u"(1,2,3,4)");
-  for (const char16_t* empty : {u"-package", u"-package\"", u"-package'"}) {
+  for (const char16_t* empty : {u"-package", u"-package\"", u"-package'"})
     EXPECT_THROW(OptionValue(u"-package", empty), std::out_of_range) << qvtest::U8(empty);
-  }
 }
 
-TEST(CommandLine, AcceptedLines) {
+TEST(CommandLine, AcceptedLinesAndRefusalsWithMinusOne) {
   QvConvRunConfig config = ParseCommandLine(Table({"-package'out.zip'", "proj"}));
   EXPECT_EQ(config.InputPath() + u" " + config.OutputPath(), u"proj out.zip");
   EXPECT_FALSE(config.CheckOnly() || config.Unpackage());
@@ -65,9 +51,7 @@ TEST(CommandLine, AcceptedLines) {
   config = ParseCommandLine(Table({"a.zip", "-checkr.xml", "-unpackagey"}));
   EXPECT_EQ(config.CheckPath(), u"r.xml");
   EXPECT_EQ(config.OutputPath(), u"y");
-}
 
-TEST(CommandLine, RefusedWithMinusOne) {
   const std::vector<std::vector<const char*>> refused = {
       {"a", "-package'"},
       {"a", "-unpackageb", "-packagea"},  // output already set
@@ -77,7 +61,7 @@ TEST(CommandLine, RefusedWithMinusOne) {
       {"a", "-PACKAGEx"},  // names are case-exact
       {"a", "-paramx", "-paramy"},
   };
-  for (const auto& line : refused) EXPECT_EQ(RefusalCode(Table(line)), -1) << line[1];
+  for (const auto& line : refused) EXPECT_EQ(qvtest::CodeOf([&] { ParseCommandLine(Table(line)); }), -1) << line[1];
 }
 
 TEST(DisplayRegion, FieldsAndConversion) {
@@ -96,23 +80,14 @@ TEST(DisplayRegion, FieldsAndConversion) {
     const QvConvDisplayRegion r = config.DisplayRegion();
     EXPECT_EQ(std::vector<int>({r.x, r.y, r.width, r.height}), expected) << qvtest::U8(text);
   }
-  for (const char16_t* bad : {u"()", u"1,2,3,4,5", u"1,2,3,4,,", u",,,", u"1;2;3;4"}) {
-    QvConvRunConfig config;
-    try {
-      config.SetDisplayRegion(bad);
-      ADD_FAILURE() << qvtest::U8(bad);
-    } catch (QvConvException* failure) {
-      EXPECT_EQ(failure->code(), -1) << qvtest::U8(bad);
-      delete failure;
-    }
-  }
+  for (const char16_t* bad : {u"()", u"1,2,3,4,5", u"1,2,3,4,,", u",,,", u"1;2;3;4"})
+    EXPECT_EQ(qvtest::CodeOf([&] { QvConvRunConfig().SetDisplayRegion(bad); }), -1) << qvtest::U8(bad);
   QvConvRunConfig untouched;
   untouched.SetDisplayRegion(u"");  // empty text changes nothing
   EXPECT_EQ(untouched.DisplayRegion().width, 0);
 }
 
 TEST(QvConvException, IsNotCaughtAsStandardException) {
-  int code = 0;
   try {
     try {
       throw QvConvException(-500);
@@ -120,9 +95,8 @@ TEST(QvConvException, IsNotCaughtAsStandardException) {
       ADD_FAILURE();
     }
   } catch (const QvConvException& e) {
-    code = e.code();
+    EXPECT_EQ(e.code(), -500);
   }
-  EXPECT_EQ(code, -500);
 }
 
 TEST(DispatchDeathTest, UnknownKindsEndWith997) {

@@ -3,7 +3,6 @@
 #include <string>
 #include <vector>
 
-#include "app/qv_conv_exception.h"
 #include "app/qv_conv_run_config.h"
 #include "tests/support/test_support.h"
 
@@ -18,14 +17,7 @@ class ParameterFile : public testing::Test {
     const std::string path = scratch_.Sub("param.xml");
     qvtest::WriteFile(path, text);
     config_ = QvConvRunConfig();
-    try {
-      config_.ReadParameterFile(qvtest::U16(path));
-    } catch (QvConvException* failure) {
-      const int code = failure->code();
-      delete failure;
-      return code;
-    }
-    return 0;
+    return qvtest::CodeOf([&] { config_.ReadParameterFile(qvtest::U16(path)); });
   }
   int Read(const std::string& xml) {
     return ReadText("<QvConvParameter>" + xml + "</QvConvParameter>");
@@ -40,7 +32,7 @@ class ParameterFile : public testing::Test {
   QvConvRunConfig config_;
 };
 
-TEST_F(ParameterFile, AllowedValuesAndDefaults) {
+TEST_F(ParameterFile, AllowedValuesDefaultsAndFailures) {
   const std::pair<const char*, std::vector<int>> cases[] = {
       {"", {KindProject, KindCompact, 0, 1, 0}},
       {"<Input format='application/x-qvf-debug' archive='yes'/>"
@@ -59,9 +51,7 @@ TEST_F(ParameterFile, AllowedValuesAndDefaults) {
     EXPECT_EQ(Read(xml), 0) << xml;
     EXPECT_EQ(State(), state) << xml;
   }
-}
-
-TEST_F(ParameterFile, WrongValuesAre201AndUnreadableFiles300) {
+  // Wrong values are -201, unreadable files -300.
   for (const char* xml : {
            "<Input format='application/x-qvf '/>",
            "<Output format='application/x-QVF'/>",

@@ -1,4 +1,4 @@
-// Whole runs of `qvConvApp <project> -check<report>`: exit codes 0, 1 and 2, and the report.
+// Whole runs of `qvConvApp <project> -check<report>` (and -td<region>): exit codes 0, 1 and 2, and the report.
 #include <algorithm>
 
 #include "tests/blackbox/project_builder.h"
@@ -6,8 +6,7 @@
 namespace qvtest {
 namespace {
 
-// The Results of a report, "data-kind id kind pane file" a line, with the
-// texts of those listed in `texts` (by their place, from 0).
+// The Results of a report, "data-kind id kind pane file" a line, with the texts of those at the places `texts`.
 std::string Findings(const XmlNode& report, const std::vector<int>& texts = {}) {
   std::string out;
   int n = 0;
@@ -51,6 +50,30 @@ TEST_F(CheckReport, ScheduleFindingsOutcomesAndReport) {
   EXPECT_EQ(Findings(Report(), {1}), "schedule SC0301 W  \ninterrupt EP0000 E  : Not support the special program table.\n");
   const std::string files = Outline(Report().At("CheckInfo"));  // one interrupt file, the last
   EXPECT_EQ(files.find("CheckFile src=" + project_ + "/Interrupt_"), files.rfind("CheckFile")) << files;
+}
+
+// The program must fit the display region given with -td and start at its corner.
+TEST_F(CheckReport, ProgramAgainstTheDisplayRegion) {
+  // The program and its one pane, the region, the findings.
+  const struct { int x, y, pane_x, pane_y, width, height; std::string region, findings; } cases[] = {
+      {0, 0, 0, 0, 1920, 1080, "(0,0,1920,1080)", ""},
+      {0, 0, 0, 0, 1920, 1080, "(0,0,1280,720)", "program PG0501 E  \nprogram PG1301 W  \n"},
+      {0, 0, 0, 0, 1080, 1920, "0,0,1920,1080", ""},  // a turned display fits
+      {0, 0, 100, 100, 800, 600, "(100,100,800,600)", "program PG0701 E  \n"},
+      {100, 100, 100, 100, 800, 600, "(100,100,800,600)", ""},
+  };
+  p_.Schedule({ScheduleEntry("2035/05/05", "TimeTable_1.csv")});
+  p_.TimeTable("TimeTable_1.csv", "T", {ProgramLine("08:00:00", "09:00:00", "Program_1")});
+  p_.Playlist("Program_1", 1, {MovieItem("a.mp4")});
+  p_.Content("a.mp4", "a");
+  for (const auto& c : cases) {
+    p_.Program("Program_1", {.x = c.x, .y = c.y, .width = c.width, .height = c.height,
+                             .panes = {Pane{1, c.pane_x, c.pane_y, c.width, c.height}}});
+    RemoveAll(report_);
+    EXPECT_EQ(RunQv({project_, "-check" + report_, "-td" + c.region}, RunEnv(temp_)).status, c.findings.empty() ? 0 : 2)
+        << c.region;
+    EXPECT_EQ(Exists(report_) ? Findings(Report()) : "", c.findings) << c.region;
+  }
 }
 
 // One program of given frame and telop playlists, three levels down: a check-only run looks

@@ -1,33 +1,26 @@
-// The command line at the process boundary: every refusal is status 255
-// (-1) and touches nothing; values may be quoted, options come in any order,
-// and an empty argument ends the line.
+// The command line at the process boundary: every refusal is status 255 (-1) and touches nothing;
+// values may be quoted, options come in any order, and an empty argument ends the line.
 #include <string>
 #include <vector>
 
-#include "tests/support/test_support.h"
+#include "tests/blackbox/project_builder.h"
 
 namespace qvtest {
 namespace {
 
-class Cli : public testing::Test {
+class Cli : public BlackBoxTest {
  protected:
   Cli() {
-    MakeDirs(Tmp());
-    MakeDirs(project_);
     WriteFile(scratch_.Sub("plain/dir/a.txt"), "a");
     ZipFolderContents(scratch_.Sub("plain"), zip_);
     WriteFile(scratch_.Sub("ok.xml"), "<QvConvParameter version='1.0'/>");
   }
-  std::string Tmp() const { return scratch_.Sub("tmp"); }
-  int Qv(const std::vector<std::string>& args) const {
-    const RunResult result = RunQv(args, {"TMPDIR=" + Tmp()});
+  int Qv(const std::vector<std::string>& args) {
+    const RunResult result = RunQv(args, RunEnv(temp_));
     EXPECT_EQ(result.output, "");  // nothing is printed
     return result.status;
   }
 
-  ScratchDir scratch_;
-  std::string project_ = scratch_.Sub("project");
-  std::string zip_ = scratch_.Sub("plain.zip");
   std::string dest_ = scratch_.Sub("dest");
 };
 
@@ -50,7 +43,7 @@ TEST_F(Cli, RefusedCommandLinesAre255AndTouchNothing) {
     for (const auto& a : args) line += " [" + a + "]";
     EXPECT_EQ(Qv(args), 255) << line;
   }
-  EXPECT_TRUE(ListDir(Tmp()).empty());
+  EXPECT_TRUE(ListDir(temp_).empty());
   EXPECT_TRUE(ListDir(project_).empty());
   EXPECT_EQ(ListDir(dest_), std::vector<std::string>{"keep.txt"});
 }

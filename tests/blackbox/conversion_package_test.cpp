@@ -17,17 +17,15 @@ const std::vector<std::string> kCleanMembers = {
 class ConversionPackage : public BlackBoxTest {};
 
 TEST_F(ConversionPackage, SampleConvertsAndChecksCleanly) {
-  const std::string sample = std::string(QV_SOURCE_DIR) + "/examples/sample";
-  RunResult r = Package(sample);
+  RunResult r = Package(kSample);
   ASSERT_EQ(r.status, 0) << r.output;
-  EXPECT_EQ(r.output, "");
   EXPECT_EQ(ZipMembers(zip_), kCleanMembers);
   EXPECT_TRUE(WorkFolders(temp_).empty());
 
   // -check after -package wins: a check-only run, which never finds its telop
   // here and so may stop early, but never with a finding.
   RemoveAll(zip_);
-  EXPECT_EQ(RunQv({sample, "-package" + zip_, "-check" + report_}, RunEnv(temp_)).status, 0);
+  EXPECT_EQ(RunQv({kSample, "-package" + zip_, "-check" + report_}, RunEnv(temp_)).status, 0);
   EXPECT_FALSE(Exists(report_));
   EXPECT_FALSE(Exists(zip_));
 }
@@ -39,10 +37,9 @@ TEST_F(ConversionPackage, CleanProjectDocumentsAndContents) {
   EXPECT_EQ(ZipMembers(zip_), kCleanMembers)
       << "one copy of a content used twice, no file for the blank, .jpeg becomes .jpg";
 
-  // Programs are numbered in the order the time tables are walked, playlists
-  // per program; one content file, one identifier; only the panes in use;
-  // end code 11 is loop/stop; effect 258 an upward wipe; a telop has no
-  // background colour; a blank of kind 8 none either, and a short play time.
+  // Programs are numbered in the order the time tables are walked, playlists per program; one content
+  // file, one identifier; only the panes in use; end code 11 is loop/stop; effect 258 an upward wipe;
+  // a telop has no background colour; a blank of kind 8 none either, and a short play time.
   std::string documents;
   for (const char* doc : {"QvT/TM1.xml", "QvP/PG2/PG2.xml", "QvP/PG2/PL1.xml", "QvP/PG2/PL2.xml",
                           "QvP/PG1/PL1.xml"}) {
@@ -86,27 +83,18 @@ TEST_F(ConversionPackage, CleanProjectDocumentsAndContents) {
 TEST_F(ConversionPackage, Utf16TelopCapitalExtensionsAndAMissingContentFile) {
   p_.Schedule({ScheduleEntry("2035/05/05", "TimeTable_1.csv", "true")});
   p_.TimeTable("TimeTable_1.csv", "T", {ProgramLine("08:00:00", "09:00:00", "Program_1")});
-  ProgramShape shape;
-  shape.panes = {Pane{1, 0, 0, 1920, 980}, Pane{5, 0, 980, 1920, 100}};
-  p_.Program("Program_1", shape);
+  p_.Program("Program_1", {.panes = {Pane{1, 0, 0, 1920, 980}, Pane{5, 0, 980, 1920, 100}}});
   p_.Playlist("Program_1", 1, {ImageItem("Photo.JPEG"), MovieItem("Clip.MP4"), MovieItem("gone.mp4")});
   p_.Playlist("Program_1", 5, {TelopItem("NEWS.TLP")});
-  p_.Content("Photo.JPEG", "jpeg bytes");
-  p_.Content("Clip.MP4", "mp4 bytes");
-  // A font beyond the telop limit: only the exact extension "tlp" is
-  // measured, but any case of it is recoded.
+  p_.Content("Photo.JPEG", "jpeg bytes"), p_.Content("Clip.MP4", "mp4 bytes");
+  // A font beyond the telop limit: only the exact extension "tlp" is measured, but any case of it is recoded.
   const std::string text = TelopText(500, 0, {"Hello", "World"});
   const std::u16string wide = U16(text);
   p_.Content("NEWS.TLP", "\xff\xfe" + std::string(reinterpret_cast<const char*>(wide.data()), wide.size() * 2));
   RunResult r = Package();
   ASSERT_EQ(r.status, 0) << r.output;
 
-  std::vector<std::string> contents;
-  for (const auto& m : ZipMembers(zip_)) {
-    if (m.rfind("QvFormat/QvC", 0) == 0) contents.push_back(m);
-  }
-  EXPECT_EQ(contents, (std::vector<std::string>{"QvFormat/QvC", "QvFormat/QvC/CT1.jpg",
-                                                "QvFormat/QvC/CT2.mp4", "QvFormat/QvC/CT4.tlp"}))
+  EXPECT_EQ(FilesBelow(Extracted() + "/QvC"), (std::vector<std::string>{"CT1.jpg", "CT2.mp4", "CT4.tlp"}))
       << "extensions lowered; the missing CT3 is left out";
   EXPECT_EQ(ReadFile(Extracted() + "/QvC/CT1.jpg"), "jpeg bytes");
   std::string expected = text;
@@ -115,8 +103,7 @@ TEST_F(ConversionPackage, Utf16TelopCapitalExtensionsAndAMissingContentFile) {
       << "a UTF-16 telop loses its line feeds, carriage returns stay";
 
   std::string items;
-  const XmlNode frame = Doc("QvP/PG1/PL1.xml");
-  for (const auto& c : frame.children) items += c.name + c.Attr("rc") + " ";
+  for (const auto& c : Doc("QvP/PG1/PL1.xml").children) items += c.name + c.Attr("rc") + " ";
   EXPECT_EQ(items, "iCT1 mCT2 mCT3 ") << "the playlist still names the missing file";
   EXPECT_EQ(Doc("QvP/PG1/PL2.xml").At("t").Attr("rc"), "CT4");
 }

@@ -4,7 +4,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -12,8 +11,6 @@
 
 namespace qvtest {
 namespace {
-
-const std::string kSample = std::string(QV_SOURCE_DIR) + "/examples/sample";
 
 // Extends `path` by Japanese folders of about 180 bytes each until it is longer than `length`, made
 // one step at a time from an open folder, as no single call takes so long a path.  The last stays open.
@@ -30,58 +27,45 @@ int MakeDeepFolder(std::string& path, std::size_t length) {
   return folder;
 }
 
-class HostilePaths : public BlackBoxTest {
- protected:
-  // The sample packed and opened again in short folders: what a long path must give as well.
-  void Reference(std::vector<std::string>* members, std::vector<std::string>* project) {
-    const std::string zip = scratch_.Sub("reference.zip"), back = scratch_.Sub("reference");
-    ASSERT_EQ(RunQv({kSample, "-package" + zip}, RunEnv(temp_)).status, 0);
-    MakeDirs(back);
-    ASSERT_EQ(Unpackage(zip, back).status, 0);
-    *members = ZipMembers(zip);
-    *project = Unstamped(back);
-  }
-};
+class HostilePaths : public BlackBoxTest {};
 
-TEST_F(HostilePaths, JapaneseNamesAndPathsBeyond260Characters) {
-  std::vector<std::string> members, project;
-  Reference(&members, &project);
+// Each run in long or Japanese paths gives what the sample gives in short folders.
+TEST_F(HostilePaths, JapaneseNamesAndPathsBeyond260And4096Characters) {
+  const std::string reference_zip = scratch_.Sub("reference.zip"), reference = scratch_.Sub("reference");
+  ASSERT_EQ(RunQv({kSample, "-package" + reference_zip}, RunEnv(temp_)).status, 0);
+  MakeDirs(reference);
+  ASSERT_EQ(Unpackage(reference_zip, reference).status, 0);
+  const std::vector<std::string> members = ZipMembers(reference_zip), project = Unstamped(reference);
+
   std::string deep = scratch_.Sub("案件");
   for (int i = 0; deep.size() < 900; ++i) deep += "/春のキャンペーン用の長いフォルダ名_" + std::to_string(i);
   const std::string zip = deep + "/パッケージ.zip", back = deep + "/戻り先", zip2 = scratch_.Sub("二つ目.zip");
   MakeDirs(back);
   ASSERT_EQ(qvtest::Run({"cp", "-r", kSample, deep + "/サンプル"}).status, 0);
-
   RunResult r = RunQv({deep + "/サンプル", "-package" + zip}, RunEnv(temp_));
   ASSERT_EQ(r.status, 0) << r.output;
   EXPECT_EQ(ZipMembers(zip), members);
   r = Unpackage(zip, back);
   ASSERT_EQ(r.status, 0) << r.output;
   EXPECT_EQ(Unstamped(back), project);
-
   // The same with the temporary folder itself deep and Japanese.
   r = RunQv({deep + "/サンプル", "-package" + zip2}, RunEnv(deep + "/一時"));
   ASSERT_EQ(r.status, 0) << r.output;
   EXPECT_EQ(ZipMembers(zip2), members);
-}
 
-// A project and a destination whose full paths are longer than the 4,096 bytes one system call takes.
-TEST_F(HostilePaths, PathsBeyond4096Characters) {
-  std::vector<std::string> members, project;
-  Reference(&members, &project);
-  std::string deep = scratch_.path();
-  const int folder = MakeDeepFolder(deep, 4200);
+  // A project and a destination whose full paths are longer than the 4,096 bytes one system call takes.
+  std::string deeper = scratch_.path();
+  const int folder = MakeDeepFolder(deeper, 4200);
   ASSERT_GE(folder, 0);
-  ASSERT_GT(deep.size(), 4096u);
+  ASSERT_GT(deeper.size(), 4096u);
   // The deep folder reached through our open descriptor: no long path on the way.
   const std::string via = "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(folder);
   ASSERT_EQ(qvtest::Run({"cp", "-r", kSample, via + "/sample"}).status, 0);
   MakeDirs(via + "/back");
-
-  RunResult r = RunQv({deep + "/sample", "-package" + zip_}, RunEnv(temp_));
+  r = RunQv({deeper + "/sample", "-package" + zip_}, RunEnv(temp_));
   ASSERT_EQ(r.status, 0) << r.output;
   EXPECT_EQ(ZipMembers(zip_), members);
-  r = Unpackage(zip_, deep + "/back");
+  r = Unpackage(zip_, deeper + "/back");
   ASSERT_EQ(r.status, 0) << r.output;
   const std::string copy = scratch_.Sub("copy");
   ASSERT_EQ(qvtest::Run({"cp", "-r", via + "/back", copy}).status, 0);

@@ -1,6 +1,5 @@
 // Several qvConvApp processes started at once in one temporary folder: conversions, checks and openings of
 // different packages.  They take turns on its fixed folders; each must give exactly what it gives alone.
-#include <algorithm>
 #include <string>
 #include <thread>
 #include <vector>
@@ -9,8 +8,6 @@
 
 namespace qvtest {
 namespace {
-
-const std::string kSample = std::string(QV_SOURCE_DIR) + "/examples/sample";
 
 class HostileRuns : public BlackBoxTest {};
 

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
 #include <filesystem>
 
 namespace qvtest {
@@ -103,13 +102,6 @@ void BuildTimeTableProject(ProjectBuilder& p) {
   p.TimeTable("時間表b.csv", "夜", {CommandLine("22:00:00", "2", "VIDEO1")});
 }
 
-std::string DateFromToday(int days) {
-  const std::time_t when = std::time(nullptr) + static_cast<std::time_t>(days) * 86400;
-  std::tm tm{};
-  char buffer[32];
-  return std::string(buffer, std::strftime(buffer, sizeof buffer, "%Y/%m/%d", localtime_r(&when, &tm)));
-}
-
 std::vector<const XmlNode*> XmlNode::All(const std::string& child) const {
   std::vector<const XmlNode*> out;
   for (const auto& c : children) if (c.name == child) out.push_back(&c);
@@ -138,9 +130,8 @@ std::string Utf8(const XMLCh* text) { return text ? U8(reinterpret_cast<const ch
 XmlNode Convert(const DOMElement* element) {
   XmlNode node{Utf8(element->getTagName()), {}, {}, {}};
   const DOMNamedNodeMap* attrs = element->getAttributes();
-  for (XMLSize_t i = 0; attrs && i < attrs->getLength(); ++i) {
+  for (XMLSize_t i = 0; attrs && i < attrs->getLength(); ++i)
     node.attrs[Utf8(attrs->item(i)->getNodeName())] = Utf8(attrs->item(i)->getNodeValue());
-  }
   for (const DOMNode* k = element->getFirstChild(); k; k = k->getNextSibling()) {
     if (k->getNodeType() == DOMNode::ELEMENT_NODE) node.children.push_back(Convert(static_cast<const DOMElement*>(k)));
     if (k->getNodeType() == DOMNode::TEXT_NODE) node.text += Utf8(k->getNodeValue());

@@ -79,7 +79,7 @@ void BuildCleanProject(ProjectBuilder& p);
 inline constexpr char kMovieBytes[] = "movie: not really an mp4";
 std::string CleanTelopUtf8();
 void BuildTimeTableProject(ProjectBuilder& p);  // a schedule and two time tables of command rows only
-std::string DateFromToday(int days);            // a date relative to today, "%04d/%02d/%02d"
+inline const std::string kSample = std::string(QV_SOURCE_DIR) + "/examples/sample";  // the bundled sample
 
 struct XmlNode {
   std::string name;

@@ -1,21 +1,17 @@
-// Opening plain archives with -unpackage: the destination is emptied and
-// receives the archive's entries; what is no archive leaves no destination.
+// Opening plain archives with -unpackage: the destination is emptied and receives the archive's entries;
+// what is no archive leaves no destination.
 #include <string>
 #include <vector>
 
-#include "tests/support/test_support.h"
+#include "tests/blackbox/project_builder.h"
 
 namespace qvtest {
 namespace {
 
-class Unpackage : public testing::Test {
+class Unpackage : public BlackBoxTest {
  protected:
-  Unpackage() { MakeDirs(Tmp()); }
-  std::string Tmp() const { return scratch_.Sub("tmp"); }
   int Open(const std::string& zip, const std::vector<std::string>& env = {}) {
-    std::vector<std::string> all = {"TMPDIR=" + Tmp()};
-    all.insert(all.end(), env.begin(), env.end());
-    return RunQv({zip, "-unpackage" + dest_}, all).status;
+    return RunQv({zip, "-unpackage" + dest_}, env.empty() ? RunEnv(temp_) : env).status;
   }
   std::string PlainZip(const std::string& name, const std::string& inner) {
     WriteFile(scratch_.Sub("src_" + name + "/" + inner), name);
@@ -23,7 +19,6 @@ class Unpackage : public testing::Test {
     return scratch_.Sub(name);
   }
 
-  ScratchDir scratch_;
   std::string dest_ = scratch_.Sub("dest");
 };
 
@@ -32,8 +27,8 @@ TEST_F(Unpackage, PlainArchiveReplacesTheDestinationContent) {
   EXPECT_EQ(Open(PlainZip("a.zip", "dir/file.txt")), 0);
   EXPECT_EQ(ListDir(dest_), std::vector<std::string>{"dir/"});  // old/ is gone
   EXPECT_EQ(ReadFile(dest_ + "/dir/file.txt"), "a.zip");
-  EXPECT_FALSE(Exists(Tmp() + "/chktemp"));
-  EXPECT_FALSE(Exists(Tmp() + "/unzip"));
+  EXPECT_FALSE(Exists(temp_ + "/chktemp"));
+  EXPECT_FALSE(Exists(temp_ + "/unzip"));
 
   // A folder QvFormat without QvS.xml is a plain archive too.
   EXPECT_EQ(Open(PlainZip("b.zip", "QvFormat/QvT/TM1.xml")), 0);
@@ -49,12 +44,12 @@ TEST_F(Unpackage, NoArchiveLeavesNoDestinationAndNoToolIs402) {
   EXPECT_EQ(Open(scratch_.Sub("missing.zip")), 0);
   EXPECT_FALSE(Exists(dest_));
   // A check run has no destination for the archive.
-  EXPECT_EQ(RunQv({scratch_.Sub("not.zip"), "-unpackage''", "-check''"}, {"TMPDIR=" + Tmp()}).status, 255);
+  EXPECT_EQ(RunQv({scratch_.Sub("not.zip"), "-unpackage''", "-check''"}, RunEnv(temp_)).status, 255);
 
   // Without the archive tool the destination is not touched.
   WriteFile(dest_ + "/keep.txt", "keep");
   MakeDirs(scratch_.Sub("no_tools"));
-  EXPECT_EQ(Open(PlainZip("a.zip", "f.txt"), {"PATH=" + scratch_.Sub("no_tools")}), Status(-402));
+  EXPECT_EQ(Open(PlainZip("a.zip", "f.txt"), {"TMPDIR=" + temp_, "PATH=" + scratch_.Sub("no_tools")}), Status(-402));
   EXPECT_EQ(ReadFile(dest_ + "/keep.txt"), "keep");
 }
 

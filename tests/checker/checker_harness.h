@@ -3,9 +3,6 @@
 #define QV_TESTS_CHECKER_CHECKER_HARNESS_H_
 
 #include <cstdint>
-#include <cstdlib>
-#include <ctime>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -23,12 +20,6 @@ using quorvane::qvconv::converter::QvConvException;
 
 struct ReportResult { std::string id, kind, pane, file, text; };
 
-// Sets LC_ALL for the life of the object.
-struct LocaleScope {
-  explicit LocaleScope(const char* name) { setenv("LC_ALL", name, 1); }
-  ~LocaleScope() { unsetenv("LC_ALL"); }
-};
-
 class CheckerHarness {
  public:
   CheckerHarness() { checker.createReport(), checker.setSource(U16(dir.path())), checker.display_region = {0, 0, 1920, 1080}; }
@@ -42,9 +33,7 @@ class CheckerHarness {
 
   // Runs checkFile: the code of a QvConvException pointer, of one thrown by value plus 10000, or 0.
   std::int32_t Check(checker::QvChFileKind kind, const std::string& path) try {
-    return checker.checkFile(kind, U16(path)), 0;
-  } catch (QvConvException* e) {
-    return std::unique_ptr<QvConvException>(e)->code();
+    return CodeOf([&] { checker.checkFile(kind, U16(path)); });
   } catch (const QvConvException& e) {
     return e.code() + 10000;
   }
@@ -70,13 +59,6 @@ class CheckerHarness {
   ScratchDir dir;
   checker::QvChecker checker;
 };
-
-// A date `days` from today in the schedule's form.
-inline std::string DateFromToday(int days) {
-  const std::time_t when = std::time(nullptr) + days * 86400;
-  char text[32];
-  return std::string(text, std::strftime(text, sizeof text, "%Y/%m/%d", std::localtime(&when)));
-}
 
 }  // namespace qvtest
 

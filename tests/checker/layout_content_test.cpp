@@ -23,7 +23,7 @@ std::string Pane(int n, const std::string& region, const std::string& used) {
   return std::to_string(n) + ",playlist_" + std::to_string(n) + ".csv," + region + ",0x0,false,0," + used;
 }
 
-TEST(CheckerLayout, ProgramFrameAgainstTheRegion) {
+TEST(CheckerLayout, ProgramFrameAgainstTheRegionAndPaneRoles) {
   EXPECT_EQ(Layout("0,10,1920,1080"), "PG0702:E");
   EXPECT_EQ(Layout("5a,0,1920,1080"), "PG0701:E PG0301:E");
   EXPECT_EQ(Layout("0,0,1200,1200"), "PG0501:E");
@@ -33,9 +33,8 @@ TEST(CheckerLayout, ProgramFrameAgainstTheRegion) {
   EXPECT_FALSE(h.checker.has_result);
   // A position finding of row 1 silences the frame's size test.
   EXPECT_EQ(Layout("0,5,1920,1080", {Pane(1, "0,0,3000,3000", "true")}), "PG0702:E");
-}
 
-TEST(CheckerLayout, PaneRoles) {
+  // Pane roles.
   const std::string full = "0,0,1920,1080";
   EXPECT_EQ(Layout(full, {Pane(1, full, "true"), Pane(2, "0,0,10,10", "1")}), "PG0903:E@1");
   EXPECT_EQ(Layout(full, {Pane(1, "0,0,10,10", "false"), Pane(3, "0,0,10,10", "")}), "");
@@ -62,7 +61,7 @@ TEST(CheckerLayout, BackgroundAndSoundPlaylistsMustBeEmpty) {
 
 // A refusal by extension silences the type rules of row 1.
 TEST(CheckerContent, ExtensionsColoursAndEffects) {
-  LocaleScope locale("C");
+  EnvOverride locale("LC_ALL", "C");
   const std::tuple<std::string, std::string, std::string> cases[] = {
       {"C:\\\\https://x\\\\a.exe", "1", ""},
       {"a.TLP", "1", ""},  // passes without the telop tests

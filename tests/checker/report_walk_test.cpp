@@ -9,18 +9,15 @@ using checker::ChContentsInfo;
 using checker::ChProgram;
 using checker::ChSchedule;
 
-// A contents file: row 0 the content, row 1 its 19 properties with `type`,
-// colour and the four frame move cells as given, then attached files.
+// A contents file: the content, then its 19 properties with `type`, colour and the frame move cells as given.
 std::vector<std::string> Contents(const std::string& content, const std::string& type,
-                                  const std::string& colour = "0x000000",
-                                  const std::string& move = "-1") {
-  return {content, type + ",00:00:10,,false," + colour + ",0,,0,0,0,100,0,0,0," + move +
-                       ",-1,-1,-1,11"};
+                                  const std::string& colour = "0x000000", const std::string& move = "-1") {
+  return {content, type + ",00:00:10,,false," + colour + ",0,,0,0,0,100,0,0,0," + move + ",-1,-1,-1,11"};
 }
 
 TEST(CheckerReport, PaneOverrideAndKeysWithoutText) {
   CheckerHarness h;
-  LocaleScope locale("en_US.UTF-8");
+  EnvOverride locale("LC_ALL", "en_US.UTF-8");
   const std::string contents =
       h.Csv("P/information/contents_1_001.csv", Contents("..\\\\contents\\\\a.wmv", "1"));
   h.checker.pane_override = 4;
@@ -45,8 +42,7 @@ TEST(CheckerWalk, UnreadableFilesFailAsCsv) {
   EXPECT_FALSE(h.checker.has_result);
 }
 
-// Today's time table is the last of today's entries, an empty date is
-// today's, and a date the form cannot read is bad data.
+// Today's time table is the last of today's entries, an empty date is today's, an unreadable one bad data.
 TEST(CheckerSchedule, TodaysTableAndUnreadableDates) {
   CheckerHarness h;
   const std::string file =

@@ -6,7 +6,6 @@
 
 #include <string>
 
-#include "tests/csv/csv_test_util.h"
 #include "tests/support/test_support.h"
 
 namespace quorvane::qvconv::io::csv {
@@ -28,7 +27,10 @@ std::string Rows(std::string_view bytes) {
   return text;
 }
 
-TEST(CsvFileSyntax, SplitsEscapesAndLineEnds) {
+TEST(CsvFileSyntax, SplitsEscapesLineEndsAndTheLineLimit) {
+  const std::string at_limit(1023, 'x');
+  std::string kana;  // 512 double-byte characters: 1024 bytes of code page 932
+  for (int i = 0; i < 512; ++i) kana += Cp932("ア");
   const std::pair<std::string, std::string> cases[] = {
       {"a,b,\n,\n\nsingle", "a|b||;||;|;single|;"},
       {"a\r\nb\nc\r\n", "a|;b|;c|;"},
@@ -42,8 +44,13 @@ TEST(CsvFileSyntax, SplitsEscapesAndLineEnds) {
       {"a\x1a,b\nc", "a|;"},
       // 表 and ソ end in the byte 0x5C, the code of a backslash: no escape.
       {Cp932("表示,ソフト\\,名"), "表示|ソフト,名|;"},
+      // A line of 1024 bytes or more ends the read silently; the limit counts bytes of code page 932.
+      {at_limit + "\r\nz\n", at_limit + "|;z|;"},
+      {"first\n" + std::string(1024, 'y') + "\nthird\n", "first|;"},
+      {kana, ""},
   };
   for (const auto& [bytes, rows] : cases) EXPECT_EQ(Rows(bytes), rows) << bytes;
+  EXPECT_EQ(Rows(kana.substr(2)).size(), 511u * 3 + 2);
 
   QvCsvFile file;
   file.ReadBytes("a,b");
@@ -53,17 +60,6 @@ TEST(CsvFileSyntax, SplitsEscapesAndLineEnds) {
   QvCsvFile fresh;
   EXPECT_EQ(CodeOf([&] { fresh.ReadBytes("ok\nbad\\x\n"); }), -102);
   EXPECT_EQ(fresh.RowCount(), 0u);
-}
-
-TEST(CsvFileSyntax, LineLimitEndsTheReadSilently) {
-  const std::string at_limit(1023, 'x');
-  EXPECT_EQ(Rows(at_limit + "\r\nz\n"), at_limit + "|;z|;");
-  EXPECT_EQ(Rows("first\n" + std::string(1024, 'y') + "\nthird\n"), "first|;");
-  // The limit counts bytes of code page 932: 512 double-byte characters are 1024.
-  std::string kana;
-  for (int i = 0; i < 512; ++i) kana += Cp932("ア");
-  EXPECT_EQ(Rows(kana), "");
-  EXPECT_EQ(Rows(kana.substr(2)).size(), 511u * 3 + 2);
 }
 
 TEST(CsvFileWrite, ExactBytesAndRoundTripThroughAFile) {

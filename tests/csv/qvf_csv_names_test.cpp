@@ -14,7 +14,8 @@ namespace {
 namespace f = quorvane::qvformat::format;
 using Keys = std::vector<std::u16string>;
 
-TEST(CsvIndex, AddFormNumbersNewKeysPlainFormEntersEmpty) {
+// The add form numbers new keys, the plain form enters an empty one.
+TEST(CsvIndex, NumbersKeysAndEachProgramsPlaylists) {
   QvFCsvIndex index;
   EXPECT_EQ(index.addTimetableId(u"b.csv"), u"TM1");
   EXPECT_EQ(index.addTimetableId(u"a.csv"), u"TM2");
@@ -27,10 +28,8 @@ TEST(CsvIndex, AddFormNumbersNewKeysPlainFormEntersEmpty) {
   for (std::u16string key : {u"\uFF21", u"\U0001F600", u"A", u""}) index.addTimetableId(key);
   EXPECT_EQ(index.timetableFiles(),
             (Keys{u"", u"A", u"a.csv", u"b.csv", u"\U0001F600", u"\uFF21"}));
-}
 
-TEST(CsvIndex, EachProgramEntryNumbersItsOwnPlaylists) {
-  QvFCsvIndex index;
+  // Each program entry numbers its own playlists.
   EXPECT_EQ(index.findProgramEntry(u"PG1"), nullptr);
   QvFCsvProgramEntry& first = index.programEntry(u"PG1");
   first.addPlaylistId(u"playlist_1.csv");

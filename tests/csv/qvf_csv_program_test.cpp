@@ -7,7 +7,6 @@
 #include "csv/qvf_read_csv.h"
 #include "csv/qvf_write_csv.h"
 #include "model/qvf_text_forms.h"
-#include "tests/csv/csv_test_util.h"
 #include "tests/support/test_support.h"
 
 namespace quorvane::qvconv::io::csv {

@@ -1,5 +1,4 @@
-// Text forms: colours in both forms, the scans of dates and times with the
-// fields they leave alone, _wtoi integers and the flag parses.
+// Text forms: colours both ways, date and time scans with the fields they leave alone, _wtoi integers, flags.
 #include "model/qvf_text_forms.h"
 #include "model/qvf_number_scan.h"
 
@@ -11,11 +10,7 @@
 namespace quorvane::qvformat::format {
 namespace {
 
-QvFColor Color(int a, int r, int g, int b) {
-  QvFColor c;
-  c.a = a, c.r = r, c.g = g, c.b = b;
-  return c;
-}
+QvFColor Color(int a, int r, int g, int b) { QvFColor c; c.a = a, c.r = r, c.g = g, c.b = b; return c; }
 
 std::array<int, 4> Parts(const QvFColor& c) { return {c.a, c.r, c.g, c.b}; }
 
@@ -42,12 +37,7 @@ TEST(ModelTextForms, ColoursBothFormsBothWays) {
   EXPECT_EQ(FormatColorHash(Color(255, 212, 240, 255)), u"#d4f0ff");  // opaque: six digits
   EXPECT_EQ(FormatColorHex(Color(128, 1, 2, 3)), u"0x80010203");
 
-  struct Case {
-    std::u16string text;
-    QvFColor before;
-    std::array<int, 4> after;
-  };
-  const Case cases[] = {
+  const struct { std::u16string text; QvFColor before; std::array<int, 4> after; } cases[] = {
       {u"0x80010203", QvFColor(), {128, 1, 2, 3}},
       {u"0x000000", QvFColor(), {255, 0, 0, 0}},            // six digits keep alpha
       {u"#D4F0FF", Color(7, 0, 0, 0), {7, 212, 240, 255}},  // both cases read
@@ -57,7 +47,7 @@ TEST(ModelTextForms, ColoursBothFormsBothWays) {
       {u"#1ffffffff", QvFColor(), {255, 255, 255, 255}},    // overflow: the largest value
       {u"#-1", QvFColor(), {255, 255, 255, 255}},           // a sign wraps round
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     QvFColor color = c.before;
     ParseColor(c.text, color);
     EXPECT_EQ(Parts(color), c.after) << std::string(c.text.begin(), c.text.end());
@@ -69,13 +59,12 @@ TEST(ModelTextForms, ColoursBothFormsBothWays) {
   EXPECT_EQ(Parts(untouched), (std::array<int, 4>{255, 0, 0, 0}));
 }
 
-TEST(ModelTextForms, DatesScanAtMostFourTwoTwoDigits) {
+TEST(ModelTextForms, DatesScanAtMostFourTwoTwoDigitsTimesTwoEach) {
   EXPECT_EQ(DateAfter(u"2024/1/2"), u"2024/01/02");
   EXPECT_EQ(DateAfter(u" 1999/ 12/ 31"), u"1999/12/31");
   // Unreadable and empty texts leave the date whole.
-  for (std::u16string_view text : {u"", u"abc", u"/2024/01/01", u"-/01/01"}) {
+  for (std::u16string_view text : {u"", u"abc", u"/2024/01/01", u"-/01/01"})
     EXPECT_EQ(DateAfter(text), u"2020/07/15");
-  }
   // Fields behind the first mismatch keep their value.
   EXPECT_EQ(DateAfter(u"2024-01-05"), u"2024/07/15");
   EXPECT_EQ(DateAfter(u"20245/01/05"), u"2024/07/15");
@@ -84,9 +73,8 @@ TEST(ModelTextForms, DatesScanAtMostFourTwoTwoDigits) {
   std::tm t = Sample();
   ParseDate(u"2001/02/03", t);
   EXPECT_EQ(t.tm_hour, 10);  // a date sets only the date
-}
 
-TEST(ModelTextForms, TimesScanTwoDigitFieldsAndStopAtAMismatch) {
+  // Times scan two-digit fields and stop at a mismatch.
   EXPECT_EQ(TimeAfter(u"9:5:1"), u"09:05:01");
   EXPECT_EQ(TimeAfter(u"08:45"), u"08:45:30");
   EXPECT_EQ(TimeAfter(u"123:00:00"), u"12:20:30");
@@ -116,9 +104,8 @@ TEST(ModelTextForms, FlagForms) {
   EXPECT_EQ(FormatFlag(std::optional<bool>()), u"false");
   EXPECT_EQ(ParseBoolValue(u"1"), std::optional<bool>(true));
   EXPECT_EQ(ParseBoolValue(u"false"), std::optional<bool>(false));
-  for (std::u16string_view text : {u"yes", u"", u"TRUE", u"t", u"01", u" true"}) {
+  for (std::u16string_view text : {u"yes", u"", u"TRUE", u"t", u"01", u" true"})
     EXPECT_FALSE(ParseBoolValue(text).has_value());
-  }
 
   bool flag = true;
   ParseDefaultFlag(u"", flag);  // empty changes nothing

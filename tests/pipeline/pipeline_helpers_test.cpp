@@ -8,26 +8,19 @@ namespace {
 using qvtest::Cp932;
 using qvtest::U16;
 
-TEST(TelopRecoding, Cp932AndUnmarkedTextBecomeUtf8) {
+TEST(TelopRecoding, TextBecomesUtf8ByItsMark) {
   EXPECT_EQ(TelopAsUtf8(Cp932("お知らせ\r\n本日休業\r\n"), 0), "お知らせ\r\n本日休業\r\n");
   EXPECT_EQ(TelopAsUtf8("", 0), "");
-  // Text mode: a bare line feed is written as CR LF, a lone CR stays, and a
-  // Ctrl-Z ends the text.
+  // Text mode: a bare line feed is written as CR LF, a lone CR stays, and a Ctrl-Z ends the text.
   EXPECT_EQ(TelopAsUtf8(Cp932("一\n二\r三\r\r\n四\x1a五\n"), 0), "一\r\n二\r三\r\r\n四");
   EXPECT_EQ(TelopAsUtf8("\n\x1a", 0), "\r\n");
-  // A UTF-8 mark is not honoured: the file is read as code page 932.
+  // A UTF-8 mark is not honoured, and big-endian UTF-16 is read as code page 932 too: its zero bytes stay.
   EXPECT_NE(TelopAsUtf8("\xEF\xBB\xBF" "abc", 3), "abc");
-  // Big-endian UTF-16 is read as code page 932 too: its zero bytes stay.
   EXPECT_EQ(TelopAsUtf8(std::string("\xFE\xFF\x00" "a", 4).substr(2), 2), std::string("\0a", 2));
-}
-
-TEST(TelopRecoding, LittleEndianUtf16DropsItsMarkAndLineFeeds) {
-  const std::string le("\xFF\xFE" "a\0\r\0\n\0\x42\x30\n\0", 12);
-  EXPECT_EQ(TelopAsUtf8(le, 1), "a\r\xE3\x81\x82");
-  // Reading ends at a character beyond the basic plane.
-  const std::string surrogate("\xFF\xFE" "x\0\x3D\xD8\x00\xDE" "y\0", 10);
-  EXPECT_EQ(TelopAsUtf8(surrogate, 1), "x");
-  // An odd last byte is no character.
+  // Little-endian UTF-16 drops its mark and line feeds; reading ends at a character beyond the basic
+  // plane, and an odd last byte is no character.
+  EXPECT_EQ(TelopAsUtf8(std::string("\xFF\xFE" "a\0\r\0\n\0\x42\x30\n\0", 12), 1), "a\r\xE3\x81\x82");
+  EXPECT_EQ(TelopAsUtf8(std::string("\xFF\xFE" "x\0\x3D\xD8\x00\xDE" "y\0", 10), 1), "x");
   EXPECT_EQ(TelopAsUtf8(std::string("\xFF\xFE" "z\0!", 5), 1), "z");
 }
 
@@ -43,18 +36,13 @@ TEST(TelopRecoding, CopyWritesUtf8AndFailsOnlyWithoutASource) {
   EXPECT_NO_THROW(CopyTelopAsText(U16(dir.Sub("t.tlp")), u"/dev/full"));
 }
 
-TEST(PackageNames, OnlyPlainNamesBecomePaths) {
-  EXPECT_TRUE(IsPlainName(u"TM1"));
-  EXPECT_TRUE(IsPlainName(u"CT1.mp4"));
-  EXPECT_TRUE(IsPlainName(u"..x"));
-  for (const char16_t* bad : {u"", u".", u"..", u"../x", u"a/b", u"a\\b", u"..\\..\\etc"}) {
+TEST(PackageNames, OnlyPlainNamesBecomePathsAndEachIsListedOnce) {
+  for (const char16_t* good : {u"TM1", u"CT1.mp4", u"..x"}) EXPECT_TRUE(IsPlainName(good)) << qvtest::U8(good);
+  for (const char16_t* bad : {u"", u".", u"..", u"../x", u"a/b", u"a\\b", u"..\\..\\etc"})
     EXPECT_FALSE(IsPlainName(bad)) << qvtest::U8(bad);
-  }
   EXPECT_FALSE(IsPlainName(std::u16string(u"a\0b", 3)));
   EXPECT_EQ(DocumentPath(u"/p/QvT", u"TM1"), u"/p/QvT/TM1.xml");
-}
-
-TEST(PackageNames, FirstReferenceListKeepsOrderWithoutRepeats) {
+  // References in the order of their first use, without repeats.
   FirstReferenceList list;
   for (const char16_t* id : {u"TM2", u"TM1", u"TM2", u"", u"TM1", u""}) list.AddOnce(id);
   EXPECT_EQ(list.items(), (std::vector<std::u16string>{u"TM2", u"TM1", u""}));

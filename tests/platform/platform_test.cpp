@@ -16,16 +16,13 @@ namespace {
 using qvtest::ScratchDir;
 using qvtest::U16;
 
-TEST(TextCodec, Cp932RoundTripKeepsJapaneseAndBackslashTrailBytes) {
+TEST(TextCodec, Cp932AndUtf8BothWays) {
   // 表 and ソ have 0x5C as their second byte in code page 932.
   const std::u16string text = U16("表ソ能 予定表 abc\\def ｱｲｳ ①");
   const std::string bytes = Cp932FromUtf16(text);
   EXPECT_EQ(bytes.substr(0, 2), std::string("\x95\x5C", 2));
   EXPECT_EQ(Utf16FromCp932(bytes), text);
   EXPECT_EQ(qvtest::Utf8FromCp932(bytes), qvtest::U8(text));
-}
-
-TEST(TextCodec, Cp932ReplacesWhatItCannotCarry) {
   // A lone lead byte at the end and an unassigned pair decode to U+30FB.
   EXPECT_EQ(Utf16FromCp932(std::string("a\x81", 2)), u"a\u30FB");
   EXPECT_EQ(Utf16FromCp932(std::string("\x85\x40" "b", 3)), u"\u30FB" u"b");
@@ -37,13 +34,11 @@ TEST(TextCodec, Cp932ReplacesWhatItCannotCarry) {
   EXPECT_EQ(Cp932FromUtf16(u"x\u0100y"), "x?y");
   EXPECT_EQ(Cp932FromUtf16(u"\U0001F600"), "?");
   EXPECT_EQ(Utf16FromCp932(""), u"");
-}
 
-TEST(TextCodec, Utf8BothWaysWithSurrogatesAndBadBytes) {
-  const std::u16string text = u"a\u00e9\u3042\U0001F600";
-  const std::string utf8 = Utf8FromUtf16(text);
-  EXPECT_EQ(utf8, "a\xC3\xA9\xE3\x81\x82\xF0\x9F\x98\x80");
-  EXPECT_EQ(Utf16FromUtf8(utf8), text);
+  // UTF-8 both ways, with surrogates and bad bytes.
+  const std::u16string wide = u"a\u00e9\u3042\U0001F600";
+  EXPECT_EQ(Utf8FromUtf16(wide), "a\xC3\xA9\xE3\x81\x82\xF0\x9F\x98\x80");
+  EXPECT_EQ(Utf16FromUtf8(Utf8FromUtf16(wide)), wide);
   EXPECT_EQ(Utf8FromUtf16(std::u16string(1, char16_t(0xD800))), "\xEF\xBF\xBD");
   EXPECT_EQ(Utf16FromUtf8("\xC0\xAF" "z"), u"\uFFFD\uFFFDz");  // overlong form
   EXPECT_EQ(Utf16FromUtf8("\xE3\x81"), u"\uFFFD\uFFFD");       // cut off
@@ -51,46 +46,33 @@ TEST(TextCodec, Utf8BothWaysWithSurrogatesAndBadBytes) {
   EXPECT_EQ(Utf16FromUtf16Bytes(std::string("\x30\x42", 2), true), u"\u3042");
 }
 
-TEST(FileSystem, FoldersListingAndRemoval) {
+TEST(FileSystem, FoldersFilesAndWhatIsNoFile) {
   ScratchDir dir;
   const std::u16string root = U16(dir.path());
   EXPECT_EQ(MakeDirectory(root + u"/b"), MakeDirResult::kCreated);
   EXPECT_EQ(MakeDirectory(root + u"/b"), MakeDirResult::kExists);
   EXPECT_EQ(MakeDirectory(root + u"/x/y"), MakeDirResult::kFailed);
-  ASSERT_TRUE(WriteFile(root + u"/a.csv", "1"));
-  ASSERT_TRUE(WriteFile(root + U16("/日本.txt"), "2"));
+  ASSERT_TRUE(WriteFile(root + u"/a.csv", "1") && WriteFile(root + U16("/日本.txt"), "2"));
   ::chmod((dir.path() + "/a.csv").c_str(), 0444);
-
   std::vector<DirEntry> entries;
   ASSERT_TRUE(ListDirectory(root, &entries));
-  ASSERT_EQ(entries.size(), 3u);
-  EXPECT_EQ(entries[0].name, u"a.csv");
-  EXPECT_TRUE(entries[0].read_only);
-  EXPECT_EQ(entries[1].name, u"b");
-  EXPECT_TRUE(entries[1].is_directory);
-  EXPECT_EQ(entries[2].name, U16("日本.txt"));
+  std::string listed;  // in name order, folders with "/", read-only files with "(ro)"
+  for (const DirEntry& e : entries) listed += qvtest::U8(e.name) + (e.is_directory ? "/ " : e.read_only ? "(ro) " : " ");
+  EXPECT_EQ(listed, "a.csv(ro) b/ 日本.txt ");
   EXPECT_FALSE(ListDirectory(root + u"/missing", &entries));
-
   EXPECT_TRUE(MakeWritable(root + u"/a.csv"));
   EXPECT_TRUE(RemoveFile(root + u"/a.csv"));
   EXPECT_FALSE(PathExists(root + u"/a.csv"));
   EXPECT_FALSE(RemoveDirectory(root));  // not empty
   EXPECT_TRUE(RemoveDirectory(root + u"/b"));
-}
 
-TEST(FileSystem, ReadsAndWritesWholeFilesAndRefusesNonFiles) {
-  ScratchDir dir;
-  const std::u16string root = U16(dir.path());
-  std::string big(200000, 'x');
+  std::string big(200000, 'x'), back;
   big[123456] = '\0';
-  ASSERT_TRUE(WriteFile(root + u"/f", big));
-  std::string back;
+  ASSERT_TRUE(WriteFile(root + u"/f", big) && WriteFile(root + u"/g", "old contents"));
   ASSERT_TRUE(ReadFile(root + u"/f", &back));
   EXPECT_EQ(back, big);
   ASSERT_TRUE(ReadFilePrefix(root + u"/f", 2, &back));
   EXPECT_EQ(back, "xx");
-
-  ASSERT_TRUE(WriteFile(root + u"/g", "old contents"));
   ASSERT_TRUE(CopyFile(root + u"/f", root + u"/g"));  // overwrites
   ASSERT_TRUE(ReadFile(root + u"/g", &back));
   EXPECT_EQ(back, big);
@@ -112,12 +94,10 @@ TEST(Process, ReportsStartAndExitStatus) {
 }
 
 TEST(SystemInfo, TempFolderUuidAndLocale) {
-  const char* saved = std::getenv("TMPDIR");
-  ::setenv("TMPDIR", "/var/tmp", 1);
+  qvtest::EnvOverride temp("TMPDIR", "/var/tmp");
   EXPECT_EQ(TempDirectory(), u"/var/tmp/");
   ::setenv("TMPDIR", "", 1);
   EXPECT_EQ(TempDirectory(), u"/tmp/");
-  if (saved) ::setenv("TMPDIR", saved, 1); else ::unsetenv("TMPDIR");
 
   const std::string id = qvtest::U8(NewUuid());
   ASSERT_EQ(id.size(), 36u);
@@ -128,9 +108,7 @@ TEST(SystemInfo, TempFolderUuidAndLocale) {
   EXPECT_EQ(id[14], '4');  // a random UUID
   EXPECT_NE(NewUuid(), NewUuid());
 
-  ::setenv("LC_ALL", "", 1);
-  ::setenv("LC_MESSAGES", "ja_JP.UTF-8", 1);
-  ::setenv("LANG", "en_US.UTF-8", 1);
+  qvtest::EnvOverride all("LC_ALL", ""), messages("LC_MESSAGES", "ja_JP.UTF-8"), lang("LANG", "en_US.UTF-8");
   EXPECT_EQ(MessageLocaleName(), "ja_JP.UTF-8");
   ::setenv("LC_ALL", "C", 1);
   EXPECT_EQ(MessageLocaleName(), "C");
@@ -148,9 +126,8 @@ TEST(SystemInfo, FileLockIsExclusiveBetweenProcesses) {
   // Let go, the file is gone: nothing is left in the temporary folder.
   EXPECT_FALSE(qvtest::Exists(lock_file));
 
-  // A run that waited on a file that its holder then removed must not count
+  // A run that waited on a file that its holder (another process) then removed and let go must not count
   // that lock as its own: it takes the file that the name stands for now.
-  // The other process holds the lock for a moment, removes the file and lets go.
   auto holder = qvtest::Run({"sh", "-c",
                              "flock \"$0\" sh -c 'touch \"$0.held\"; sleep 0.3; rm \"$0\"' \"$0\" &"
                              "while [ ! -e \"$0.held\" ]; do sleep 0.01; done", lock_file});

@@ -1,20 +1,19 @@
 #include "tests/support/test_support.h"
 
-#include <fcntl.h>
 #include <iconv.h>
 #include <spawn.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <codecvt>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
-#include <locale>
-#include <random>
+#include <regex>
 #include <sstream>
 
 extern char** environ;
@@ -42,9 +41,8 @@ std::string Convert(std::string_view in, const char* to, const char* from) {
   size_t src_left = in.size();
   char* dst = out.data();
   size_t dst_left = out.size();
-  if (iconv(cd, &src, &src_left, &dst, &dst_left) == static_cast<size_t>(-1)) {
+  if (iconv(cd, &src, &src_left, &dst, &dst_left) == static_cast<size_t>(-1))
     ADD_FAILURE() << "iconv cannot convert text to " << to;
-  }
   iconv_close(cd);
   out.resize(out.size() - dst_left);
   return out;
@@ -52,17 +50,11 @@ std::string Convert(std::string_view in, const char* to, const char* from) {
 
 }  // namespace
 
-ScratchDir::ScratchDir() {
-  std::random_device rd;
-  for (int i = 0; i < 100; ++i) {
-    std::ostringstream name;
-    name << TempRoot() << "/qvtest-" << std::hex << rd() << rd();
-    if (::mkdir(name.str().c_str(), 0700) == 0) {
-      path_ = name.str();
-      return;
-    }
+ScratchDir::ScratchDir() : path_(TempRoot() + "/qvtest-XXXXXX") {
+  if (::mkdtemp(path_.data()) == nullptr) {
+    ADD_FAILURE() << "cannot make a scratch folder";
+    path_.clear();
   }
-  ADD_FAILURE() << "cannot make a scratch folder";
 }
 
 ScratchDir::~ScratchDir() {
@@ -82,11 +74,7 @@ std::string ScratchDir::Sub(std::string_view relative) const {
 }
 
 void WriteFile(const std::string& path, std::string_view bytes) {
-  fs::path p(path);
-  if (p.has_parent_path()) {
-    std::error_code ec;
-    fs::create_directories(p.parent_path(), ec);
-  }
+  if (fs::path(path).has_parent_path()) MakeDirs(fs::path(path).parent_path());
   std::ofstream out(path, std::ios::binary | std::ios::trunc);
   out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   if (!out) ADD_FAILURE() << "cannot write " << path;
@@ -107,28 +95,15 @@ bool Exists(const std::string& path) {
   struct stat st;
   return ::lstat(path.c_str(), &st) == 0;
 }
-
-bool IsDir(const std::string& path) {
-  std::error_code ec;
-  return fs::is_directory(path, ec);
-}
-
-void MakeDirs(const std::string& path) {
-  std::error_code ec;
-  fs::create_directories(path, ec);
-}
-
-void RemoveAll(const std::string& path) {
-  std::error_code ec;
-  fs::remove_all(path, ec);
-}
+bool IsDir(const std::string& path) { std::error_code ec; return fs::is_directory(path, ec); }
+void MakeDirs(const std::string& path) { std::error_code ec; fs::create_directories(path, ec); }
+void RemoveAll(const std::string& path) { std::error_code ec; fs::remove_all(path, ec); }
 
 std::vector<std::string> ListDir(const std::string& path) {
   std::vector<std::string> names;
   std::error_code ec;
-  for (const auto& e : fs::directory_iterator(path, ec)) {
+  for (const auto& e : fs::directory_iterator(path, ec))
     names.push_back(e.path().filename().string() + (e.is_directory() ? "/" : ""));
-  }
   std::sort(names.begin(), names.end());
   return names;
 }
@@ -150,23 +125,19 @@ std::string U8(std::u16string_view text) {
 
 RunResult Run(const std::vector<std::string>& args, const std::vector<std::string>& env) {
   RunResult result;
-  std::vector<std::string> env_strings;
-  for (char** e = environ; *e; ++e) {
-    std::string entry(*e);
-    std::string key = entry.substr(0, entry.find('='));
-    bool replaced = std::any_of(env.begin(), env.end(), [&](const std::string& x) {
-      return x.substr(0, x.find('=')) == key;
-    });
-    if (!replaced) env_strings.push_back(entry);
-  }
-  for (const auto& e : env) env_strings.push_back(e);
-  std::vector<char*> envp;
-  for (auto& e : env_strings) envp.push_back(e.data());
-  envp.push_back(nullptr);
-  std::vector<std::string> argv_strings(args);
-  std::vector<char*> argv;
-  for (auto& a : argv_strings) argv.push_back(a.data());
-  argv.push_back(nullptr);
+  auto key = [](const std::string& entry) { return entry.substr(0, entry.find('=')); };
+  std::vector<std::string> env_strings, argv_strings(args);
+  for (char** e = environ; *e; ++e)  // the given entries replace those of the same name
+    if (std::none_of(env.begin(), env.end(), [&](const std::string& x) { return key(x) == key(*e); }))
+      env_strings.push_back(*e);
+  env_strings.insert(env_strings.end(), env.begin(), env.end());
+  auto pointers = [](std::vector<std::string>& strings) {
+    std::vector<char*> out;
+    for (auto& s : strings) out.push_back(s.data());
+    out.push_back(nullptr);
+    return out;
+  };
+  std::vector<char*> envp = pointers(env_strings), argv = pointers(argv_strings);
 
   int pipefd[2];
   if (::pipe(pipefd) != 0) return result;
@@ -176,13 +147,13 @@ RunResult Run(const std::vector<std::string>& args, const std::vector<std::strin
   posix_spawn_file_actions_adddup2(&actions, pipefd[1], 2);
   posix_spawn_file_actions_addclose(&actions, pipefd[0]);
   pid_t pid = 0;
-  // An environment that changes PATH must also be the one searched.
-  std::string saved_path = std::getenv("PATH") ? std::getenv("PATH") : "";
-  for (const auto& e : env) {
-    if (e.rfind("PATH=", 0) == 0) ::setenv("PATH", e.c_str() + 5, 1);
+  int rc;
+  {
+    std::optional<EnvOverride> path;  // an environment that changes PATH must also be the one searched
+    for (const auto& e : env)
+      if (key(e) == "PATH") path.emplace("PATH", e.substr(5));
+    rc = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), envp.data());
   }
-  int rc = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), envp.data());
-  ::setenv("PATH", saved_path.c_str(), 1);
   posix_spawn_file_actions_destroy(&actions);
   ::close(pipefd[1]);
   if (rc != 0) {
@@ -207,40 +178,32 @@ RunResult RunQv(const std::vector<std::string>& args, const std::vector<std::str
   return Run(full, env);
 }
 
-namespace {
-
-std::size_t FindStamp(const std::string& text, std::size_t from) {
-  auto digits = [&](std::size_t at, std::size_t n) {
-    for (std::size_t i = at; i < at + n; ++i) {
-      if (text[i] < '0' || text[i] > '9') return false;
-    }
-    return true;
-  };
-  for (std::size_t i = from; i + 15 <= text.size(); ++i) {
-    if (digits(i, 8) && text[i + 8] == '_' && digits(i + 9, 6)) return i;
-  }
-  return std::string::npos;
+// The stamp of a written project name: "YYYYMMDD_hhmmss".
+const std::regex& StampPattern() {
+  static const std::regex stamp("[0-9]{8}_[0-9]{6}");
+  return stamp;
 }
 
-}  // namespace
-
 std::string ReplaceStamps(std::string text, const std::string& with) {
-  for (std::size_t at = FindStamp(text, 0); at != std::string::npos; at = FindStamp(text, at + with.size())) {
-    text.replace(at, 15, with);
-  }
-  return text;
+  return std::regex_replace(text, StampPattern(), with);
 }
 
 std::string FirstStamp(const std::string& text) {
-  const std::size_t at = FindStamp(text, 0);
-  return at == std::string::npos ? std::string() : text.substr(at, 15);
+  std::smatch match;
+  return std::regex_search(text, match, StampPattern()) ? match.str() : std::string();
 }
 
 std::string EraseAll(std::string text, const std::vector<std::string>& pieces) {
-  for (const std::string& piece : pieces) {
+  for (const std::string& piece : pieces)
     for (std::size_t at; (at = text.find(piece)) != std::string::npos;) text.erase(at, piece.size());
-  }
   return text;
+}
+
+std::string DateFromToday(int days) {
+  const std::time_t when = std::time(nullptr) + static_cast<std::time_t>(days) * 86400;
+  std::tm tm{};
+  char buffer[32];
+  return std::string(buffer, std::strftime(buffer, sizeof buffer, "%Y/%m/%d", localtime_r(&when, &tm)));
 }
 
 void ZipFolderContents(const std::string& folder, const std::string& zip) {

@@ -6,9 +6,15 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "app/qv_conv_exception.h"
 
 namespace qvtest {
 
@@ -70,6 +76,31 @@ std::string EraseAll(std::string text, const std::vector<std::string>& pieces);
 
 // The 8-bit status a POSIX caller sees for one of our exit codes.
 inline int Status(int code) { return code & 0xff; }
+
+// The code of the QvConvException pointer that `call` throws, 0 if none.
+template <typename Call>
+std::int32_t CodeOf(Call call) try {
+  return call(), 0;
+} catch (quorvane::qvconv::converter::QvConvException* e) {
+  return std::unique_ptr<quorvane::qvconv::converter::QvConvException>(e)->code();
+}
+
+// Sets an environment variable for the life of the object, then restores it.
+class EnvOverride {
+ public:
+  EnvOverride(const char* name, const std::string& value) : name_(name) {
+    if (const char* old = std::getenv(name)) old_ = old;
+    ::setenv(name, value.c_str(), 1);
+  }
+  ~EnvOverride() { old_ ? ::setenv(name_.c_str(), old_->c_str(), 1) : ::unsetenv(name_.c_str()); }
+
+ private:
+  std::string name_;
+  std::optional<std::string> old_;
+};
+
+// A date `days` from today in the schedule's form, "%04d/%02d/%02d".
+std::string DateFromToday(int days);
 
 // Packs the contents of `folder` (entries by their names relative to it)
 // into a new zip file with 7za.

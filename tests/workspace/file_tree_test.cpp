@@ -16,14 +16,11 @@ using qvtest::U16;
 
 TEST(DeleteTree, RemovesEverythingReadOnlyIncludedButNeverFollowsLinks) {
   qvtest::ScratchDir scratch;
-  const std::string top = scratch.Sub("top");
-  const std::string outside = scratch.Sub("outside");
+  const std::string top = scratch.Sub("top"), outside = scratch.Sub("outside");
   qvtest::WriteFile(outside + "/keep.txt", "keep");
   qvtest::WriteFile(top + "/a.txt", "a");
   qvtest::WriteFile(top + "/sub/deeper/.b", "b");
-  ::chmod((top + "/a.txt").c_str(), 0444);
-  ::chmod((top + "/sub/deeper/.b").c_str(), 0444);
-  ::chmod((top + "/sub/deeper").c_str(), 0555);
+  for (const char* ro : {"/a.txt", "/sub/deeper/.b", "/sub/deeper"}) ::chmod((top + ro).c_str(), 0555);
   ASSERT_EQ(::symlink(outside.c_str(), (top + "/to_folder").c_str()), 0);
   ASSERT_EQ(::symlink((outside + "/keep.txt").c_str(), (top + "/sub/to_file").c_str()), 0);
 
@@ -59,9 +56,8 @@ TEST(CopyTree, FileOverwritesFolderNeedsAnExistingDestination) {
 TEST(ListFiles, PlainFilesOnlyWithFullPathsInNameOrder) {
   qvtest::ScratchDir scratch;
   const std::string dir = scratch.Sub("dir");
-  for (const char* name : {"b.csv", "a.csv", ".hidden.csv", "sub/inner.csv", "ro.csv"}) {
+  for (const char* name : {"b.csv", "a.csv", ".hidden.csv", "sub/inner.csv", "ro.csv"})
     qvtest::WriteFile(dir + "/" + name, "");
-  }
   ::chmod((dir + "/ro.csv").c_str(), 0444);
   ASSERT_EQ(::symlink((dir + "/sub").c_str(), (dir + "/link_to_folder").c_str()), 0);
 

@@ -1,7 +1,6 @@
 // The XML layer: the two vocabularies, parsing (also of hostile files) and the bytes written.
 #include <string>
 
-#include "app/qv_conv_exception.h"
 #include "tests/support/test_support.h"
 #include "xml/qvf_tag_table.h"
 #include "xml/qvf_xml_document.h"
@@ -9,21 +8,15 @@
 namespace quorvane::qvformat::format::io::xml {
 namespace {
 
-using qvconv::converter::QvConvException;
 using qvtest::U16;
 
 // Parses a file: the code of the failure, or 0; `bytes` gets the document written again.
 int ParseFile(const std::string& path, std::string* bytes = nullptr) {
-  try {
+  return qvtest::CodeOf([&] {
     QvFXmlDocument document;
     document.parse(U16(path));
     if (bytes) *bytes = document.serializeToBytes(false);
-  } catch (QvConvException* e) {
-    const int code = e->code();
-    delete e;
-    return code;
-  }
-  return 0;
+  });
 }
 
 int ParseCode(const std::string& text, std::string* bytes = nullptr) {
@@ -63,8 +56,7 @@ TEST(XmlDocument, WhatParsesAndWhatIs300) {
     EXPECT_EQ(ParseCode(bad), -300) << bad;
   qvtest::ScratchDir dir;
   EXPECT_EQ(ParseFile(dir.Sub("missing.xml")) + ParseFile(dir.path()), -300 * 2);  // no file, a folder
-  // No grammar and any root: validation errors are dropped. A few internal
-  // entity expansions are ordinary XML.
+  // No grammar and any root: validation errors are dropped. A few internal entity expansions are ordinary XML.
   EXPECT_EQ(ParseCode("<?xml version=\"1.0\"?><!-- c --><p:any xmlns:p=\"urn:x\" x=\"1\"><y/></p:any>"), 0);
   std::string bytes;
   EXPECT_EQ(ParseCode("\xEF\xBB\xBF<!DOCTYPE qv [<!ENTITY w \"word\">]><qv n=\"&w;&w;\"/>", &bytes), 0);

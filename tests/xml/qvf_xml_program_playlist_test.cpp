@@ -1,5 +1,4 @@
-// Program and playlist documents: round trips in both vocabularies, what is
-// written only when it holds something, and hand-written documents.
+// Program and playlist documents: round trips in both vocabularies, values written only when set, hand-written ones.
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -31,9 +30,8 @@ class XmlProgramPlaylist : public testing::TestWithParam<bool> {
   void SetUp() override { SetQvFClock(&FixedNow); }
   void TearDown() override { SetQvFClock(nullptr); }
 
-  // Writes the record and reads it back; bytes_ gets what was written after
-  // the declaration. With `again`, what was read must write the same bytes,
-  // but that an absent valid flag comes back as a present false.
+  // Writes the record and reads it back; bytes_ gets what was written after the declaration. With `again`,
+  // what was read must write the same bytes, but that an absent valid flag comes back as a present false.
   std::unique_ptr<QvFProgram> Trip(const QvFProgram& program, bool again = false) {
     QvFWriteXml(GetParam()).outputProgram(U16(path_), program);
     bytes_ = Body();
@@ -97,8 +95,7 @@ TEST_P(XmlProgramPlaylist, RecordsComeBackWhole) {
   EXPECT_EQ(Item<QvFMovie>(Trip(playlist, true), 0).volume, -5);
 }
 
-// Empty references, values out of range and absent flags are not written;
-// what comes back is the plain default.
+// Empty references, values out of range and absent flags are not written; what comes back is the plain default.
 TEST_P(XmlProgramPlaylist, ValuesWrittenOnlyWhenTheyHoldSomething) {
   QvFProgram program;
   program.program_info.layout_lock.reset();
@@ -134,8 +131,7 @@ TEST_F(XmlProgramPlaylistRead, HandWrittenInAnyOrderWithUnknownWordsAndBadColour
       "<pgp><!-- panes first --><pai><x/><pa><plf tp=\"t\"><pa/></plf><re x=\"1\" y=\"2\"/><re x=\"5\"/>"
       "</pa><pg><pa/></pg><pa><plf tp=\"contents\"/></pa></pai><pgi><plf tp=\"s\"/></pgi></pgp>"));
   EXPECT_EQ(read->program_info.playlist_file.type, Int(kPaneSound));
-  // Nested panes and panes outside the list are no panes of the program;
-  // of two regions the last stands.
+  // Nested panes and panes outside the list are no panes of the program; of two regions the last stands.
   ASSERT_EQ(read->pane_info.panes.size(), 2u);
   const QvFPane& first = read->pane_info.panes[0];
   EXPECT_EQ(std::vector({first.playlist_file.type.value_or(-1), first.region.x, first.region.y}),

@@ -14,7 +14,7 @@ namespace {
 
 using qvtest::U16;
 
-std::tm FixedNow() {
+std::tm FixedNow() {  // 2031/07/04 05:06:07
   std::tm t{};
   t.tm_year = 131, t.tm_mon = 6, t.tm_mday = 4, t.tm_hour = 5, t.tm_min = 6, t.tm_sec = 7;
   return t;
@@ -88,8 +88,7 @@ TEST_F(XmlScheduleTimeTable, WrittenAttributesAndHandWrittenDocuments) {
   EXPECT_EQ(bytes_, "<tt><tl><tb><pg et=\"05:06:07\" st=\"05:06:07\"/></tb>"
                     "<tb><co st=\"01:06:07\" ti=\"\" tp=\"0\"/></tb></tl></tt>");
 
-  // Only element nodes count; the second list is not read; only "true" in
-  // any casing (or the word "t") is a true default.
+  // Only element nodes count; the second list is not read; only "true" in any casing (or "t") is a true default.
   const auto entries = QvFReadXml(false).readSchedule(Hand(
       "<qv><!-- c -->\n  <sl><s df=\"t\" dt=\"2024/3/9\"/><s df=\"TRUE\"/><s df=\"1\"/><x/><s/></sl><sl><s/></sl></qv>"))
       .schedule_list.schedules;
