@@ -9,6 +9,9 @@
 # Findings are written to fuzz/out/findings/<target>/; the corpus grows in
 # fuzz/out/corpus/<target>/ from the seeds in fuzz/corpus/<target>/.
 set -euo pipefail
+# One compound command, read whole before it runs: the script may be edited
+# while a long fuzzing run is under way.
+{
 cd "$(dirname "$0")"
 
 SECONDS_EACH=${1:-60}
@@ -45,3 +48,4 @@ for target in "${TARGETS[@]}"; do
   grep -E '^stat::number_of_executed_units|^stat::new_units_added' "out/$target.log" | sed 's/^/   /' || true
 done
 exit $status
+}
