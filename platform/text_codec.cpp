@@ -1,43 +1,17 @@
 #include "platform/text_codec.h"
 
-#include <iconv.h>
+#include <cstdint>
+#include <vector>
 
-#include <cerrno>
-#include <mutex>
+#include "platform/cp932_table.h"
 
 namespace quorvane::platform {
 namespace {
 
 constexpr char16_t kReplacement = 0xFFFD;
-constexpr char16_t kCp932Undecodable = 0x30FB;  // what the Windows decoder gives
 
-// One converter per direction, opened on first use and kept for the process.
-class Converter {
- public:
-  Converter(const char* to, const char* from) : cd_(iconv_open(to, from)) {}
-  ~Converter() {
-    if (ok()) iconv_close(cd_);
-  }
-  bool ok() const { return cd_ != reinterpret_cast<iconv_t>(-1); }
-  iconv_t get() {
-    iconv(cd_, nullptr, nullptr, nullptr, nullptr);  // back to the initial state
-    return cd_;
-  }
-  std::mutex& mutex() { return mutex_; }
-
- private:
-  iconv_t cd_;
-  std::mutex mutex_;
-};
-
-Converter& Cp932Decoder() {
-  static Converter c("UTF-16LE", "CP932");
-  return c;
-}
-Converter& Cp932Encoder() {
-  static Converter c("CP932", "UTF-16LE");
-  return c;
-}
+bool IsHighSurrogate(char16_t c) { return c >= 0xD800 && c <= 0xDBFF; }
+bool IsLowSurrogate(char16_t c) { return c >= 0xDC00 && c <= 0xDFFF; }
 
 std::u16string FromLittleEndianBytes(const char* data, std::size_t size) {
   std::u16string out;
@@ -49,137 +23,80 @@ std::u16string FromLittleEndianBytes(const char* data, std::size_t size) {
   return out;
 }
 
-// Five single bytes that Windows' code page 932 reads as characters of their
-// own and iconv's table leaves out: 0x80 and, in the private use area, 0xA0
-// and 0xFD to 0xFF.  Both directions keep them, so they come back as they were.
-constexpr unsigned char kExtraBytes[] = {0x80, 0xA0, 0xFD, 0xFE, 0xFF};
-constexpr char16_t kExtraCharacters[] = {0x0080, 0xF8F0, 0xF8F1, 0xF8F2, 0xF8F3};
+// The lookup tables of code page 932, built once from the generated data.
+struct Cp932Tables {
+  // Per byte: the character of a single byte, or, for a lead byte, 0 here and
+  // its row of pairs (from 1) in `row`.
+  char16_t single[256] = {};
+  std::uint8_t row[256] = {};
+  std::vector<char16_t> pairs;        // 256 trail bytes per lead byte
+  std::vector<std::uint16_t> encode;  // per UTF-16 unit: its byte code
 
-int ExtraIndexOfByte(unsigned char b) {
-  for (int i = 0; i < 5; ++i) {
-    if (kExtraBytes[i] == b) return i;
+  Cp932Tables() : encode(0x10000, static_cast<unsigned char>(cp932::kDefaultByte)) {
+    int rows = 0;
+    for (const cp932::LeadRange& range : cp932::LeadRanges()) {
+      for (int b = range.first; b <= range.last; ++b) row[b] = static_cast<std::uint8_t>(++rows);
+    }
+    // Every trail byte that the table does not list reads as the default character.
+    pairs.assign(static_cast<std::size_t>(rows) * 256, cp932::kDefaultCharacter);
+    const std::span<const char16_t> listed = cp932::ListedCharacters();
+    for (const cp932::DecodeRun& run : cp932::DecodeRuns()) {
+      for (unsigned n = 0; n < run.count; ++n) {
+        const unsigned code = run.first + n;
+        const char16_t c = run.listed ? listed[run.value + n] : static_cast<char16_t>(run.value + n);
+        if (code < 0x100) {
+          single[code] = c;
+        } else {
+          pairs[(row[code >> 8] - 1u) * 256u + (code & 0xFF)] = c;
+        }
+        encode[c] = static_cast<std::uint16_t>(code);  // runs come in byte order: the last wins
+      }
+    }
+    for (const cp932::EncodeOverride& o : cp932::EncodeOverrides()) encode[o.character] = o.code;
   }
-  return -1;
-}
+};
 
-int ExtraIndexOfCharacter(char16_t c) {
-  for (int i = 0; i < 5; ++i) {
-    if (kExtraCharacters[i] == c) return i;
-  }
-  return -1;
+const Cp932Tables& Cp932() {
+  static const Cp932Tables tables;
+  return tables;
 }
-
-bool IsHighSurrogate(char16_t c) { return c >= 0xD800 && c <= 0xDBFF; }
-bool IsLowSurrogate(char16_t c) { return c >= 0xDC00 && c <= 0xDFFF; }
 
 }  // namespace
 
 std::u16string Utf16FromCp932(std::string_view bytes) {
-  std::u16string out;
-  if (bytes.empty()) return out;
-  // Plain ASCII needs no converter: the common case of numbers and ids.
-  bool ascii = true;
-  for (char c : bytes) {
-    if (static_cast<unsigned char>(c) >= 0x80) {
-      ascii = false;
-      break;
+  const Cp932Tables& t = Cp932();
+  std::u16string out(bytes.size(), u'\0');
+  const auto* in = reinterpret_cast<const unsigned char*>(bytes.data());
+  const std::size_t size = bytes.size();
+  std::size_t n = 0;
+  for (std::size_t i = 0; i < size;) {
+    const unsigned b = in[i++];
+    const unsigned r = t.row[b];
+    if (r == 0) {
+      out[n++] = t.single[b];
+    } else if (i == size || in[i] == 0) {
+      // A lead byte at the end, or before a NUL, which stays a character of its own.
+      out[n++] = cp932::kDefaultCharacter;
+    } else {
+      // Any other second byte belongs to the pair, whether it is a trail byte or not.
+      out[n++] = t.pairs[(r - 1) * 256 + in[i++]];
     }
   }
-  if (ascii) return std::u16string(bytes.begin(), bytes.end());
-
-  Converter& conv = Cp932Decoder();
-  std::lock_guard<std::mutex> lock(conv.mutex());
-  if (!conv.ok()) {
-    for (char c : bytes) {
-      out.push_back(static_cast<unsigned char>(c) < 0x80 ? static_cast<char16_t>(c)
-                                                          : kCp932Undecodable);
-    }
-    return out;
-  }
-  iconv_t cd = conv.get();
-  std::string buffer(bytes.size() * 2 + 8, '\0');
-  char* in = const_cast<char*>(bytes.data());
-  std::size_t in_left = bytes.size();
-  while (in_left > 0) {
-    char* dst = buffer.data();
-    std::size_t dst_left = buffer.size();
-    std::size_t rc = iconv(cd, &in, &in_left, &dst, &dst_left);
-    out += FromLittleEndianBytes(buffer.data(), buffer.size() - dst_left);
-    if (rc == static_cast<std::size_t>(-1)) {
-      if (errno == E2BIG) continue;
-      // An invalid or cut-off sequence: one undecodable character for its
-      // first byte (and its trail byte, if it is one), then go on.
-      const auto lead = static_cast<unsigned char>(*in);
-      std::size_t skip = 1;
-      if (const int extra = ExtraIndexOfByte(lead); extra >= 0) {
-        out.push_back(kExtraCharacters[extra]);
-        ++in;
-        --in_left;
-        iconv(cd, nullptr, nullptr, nullptr, nullptr);
-        continue;
-      }
-      if (in_left >= 2 && ((lead >= 0x81 && lead <= 0x9F) || (lead >= 0xE0 && lead <= 0xFC))) {
-        const auto trail = static_cast<unsigned char>(in[1]);
-        if (trail >= 0x40 && trail <= 0xFC && trail != 0x7F) skip = 2;
-      }
-      out.push_back(kCp932Undecodable);
-      in += skip;
-      in_left -= skip;
-      iconv(cd, nullptr, nullptr, nullptr, nullptr);
-    }
-  }
+  out.resize(n);
   return out;
 }
 
 std::string Cp932FromUtf16(std::u16string_view text) {
-  std::string out;
-  if (text.empty()) return out;
-  bool ascii = true;
-  for (char16_t c : text) {
-    if (c >= 0x80) {
-      ascii = false;
-      break;
-    }
+  const Cp932Tables& t = Cp932();
+  std::string out(text.size() * 2, '\0');
+  std::size_t n = 0;
+  // Unit by unit: each half of a surrogate pair has no form and becomes "?".
+  for (const char16_t c : text) {
+    const std::uint16_t code = t.encode[c];
+    if (code >= 0x100) out[n++] = static_cast<char>(code >> 8);
+    out[n++] = static_cast<char>(code & 0xFF);
   }
-  if (ascii) {
-    out.reserve(text.size());
-    for (char16_t c : text) out.push_back(static_cast<char>(c));
-    return out;
-  }
-  Converter& conv = Cp932Encoder();
-  std::lock_guard<std::mutex> lock(conv.mutex());
-  out.reserve(text.size() * 2);
-  // Character by character is simple and keeps one bad character from
-  // touching its neighbours; runs of ASCII skip the converter.
-  std::string bytes(4, '\0');
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    char16_t c = text[i];
-    if (c < 0x80) {
-      out.push_back(static_cast<char>(c));
-      continue;
-    }
-    if (const int extra = ExtraIndexOfCharacter(c); extra >= 0) {
-      out.push_back(static_cast<char>(kExtraBytes[extra]));
-      continue;
-    }
-    if (!conv.ok() || IsHighSurrogate(c) || IsLowSurrogate(c)) {
-      // No character outside the basic plane has a code page 932 form.
-      if (IsHighSurrogate(c) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) ++i;
-      out.push_back('?');
-      continue;
-    }
-    char unit[2] = {static_cast<char>(c & 0xFF), static_cast<char>(c >> 8)};
-    char* in = unit;
-    std::size_t in_left = 2;
-    char* dst = bytes.data();
-    std::size_t dst_left = bytes.size();
-    iconv_t cd = conv.get();
-    if (iconv(cd, &in, &in_left, &dst, &dst_left) == static_cast<std::size_t>(-1)) {
-      out.push_back('?');
-    } else {
-      out.append(bytes.data(), bytes.size() - dst_left);
-    }
-  }
+  out.resize(n);
   return out;
 }
 

@@ -30,9 +30,9 @@ TEST(TextCodec, Cp932AndUtf8BothWays) {
   const std::string extras("\x80\xA0\xFD\xFE\xFF" "\x82\xA0", 7);
   EXPECT_EQ(Utf16FromCp932(extras), u"\u0080\uF8F0\uF8F1\uF8F2\uF8F3\u3042");
   EXPECT_EQ(Cp932FromUtf16(Utf16FromCp932(extras)), extras);
-  // A character outside code page 932 (and one outside the basic plane) become "?".
+  // A character outside code page 932 becomes "?", one outside the basic plane "??".
   EXPECT_EQ(Cp932FromUtf16(u"x\u0100y"), "x?y");
-  EXPECT_EQ(Cp932FromUtf16(u"\U0001F600"), "?");
+  EXPECT_EQ(Cp932FromUtf16(u"\U0001F600"), "??");
   EXPECT_EQ(Utf16FromCp932(""), u"");
 
   // UTF-8 both ways, with surrogates and bad bytes.

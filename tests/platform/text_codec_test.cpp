@@ -1,0 +1,153 @@
+// Code page 932 against Microsoft's own table of it, byte by byte, pair by pair
+// and character by character, and the cases where Windows differs from other
+// converters.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "platform/text_codec.h"
+
+namespace quorvane::platform {
+namespace {
+
+constexpr char16_t kDot = 0x30FB;  // the default character of decoding
+
+// The tables of bestfit932.txt: single bytes, lead bytes with their pairs,
+// characters with their byte codes (lead << 8 | trail for two bytes).
+struct VendorTable {
+  std::map<int, char16_t> single;
+  std::map<int, std::map<int, char16_t>> lead;
+  std::map<char16_t, int> wide;
+};
+
+bool ReadVendorTable(const std::string& path, VendorTable& table) {
+  std::ifstream file(path);
+  if (!file) return false;
+  std::vector<std::vector<std::string>> lines;
+  for (std::string line; std::getline(file, line);) {
+    std::istringstream fields(line.substr(0, line.find(';')));
+    std::vector<std::string> words;
+    for (std::string w; fields >> w;) words.push_back(w);
+    if (!words.empty()) lines.push_back(words);
+  }
+  auto number = [](const std::string& s) { return static_cast<int>(std::stoul(s, nullptr, 0)); };
+  std::size_t i = 0;
+  auto entries = [&](int count, auto&& add) {
+    for (int k = 0; k < count; ++k, ++i) add(number(lines.at(i).at(0)), number(lines.at(i).at(1)));
+  };
+  while (i < lines.size()) {
+    const std::vector<std::string> head = lines[i++];
+    if (head[0] == "MBTABLE") {
+      entries(number(head[1]), [&](int b, int c) { table.single[b] = static_cast<char16_t>(c); });
+    } else if (head[0] == "DBCSRANGE") {
+      for (int r = number(head[1]); r > 0; --r) {
+        const int first = number(lines.at(i).at(0)), last = number(lines.at(i).at(1));
+        ++i;
+        for (int b = first; b <= last; ++b) {
+          const int count = number(lines.at(i++).at(1));  // "DBCSTABLE <count>"
+          std::map<int, char16_t>& pairs = table.lead[b];
+          entries(count, [&](int t, int c) { pairs[t] = static_cast<char16_t>(c); });
+        }
+      }
+    } else if (head[0] == "WCTABLE") {
+      entries(number(head[1]), [&](int c, int code) { table.wide[static_cast<char16_t>(c)] = code; });
+    }
+  }
+  return !table.single.empty() && !table.lead.empty() && !table.wide.empty();
+}
+
+std::string Bytes(int code) {
+  return code < 0x100 ? std::string(1, static_cast<char>(code))
+                      : std::string{static_cast<char>(code >> 8), static_cast<char>(code & 0xFF)};
+}
+
+std::string Hex(std::u16string_view text) {
+  std::string out;
+  char unit[8];
+  for (char16_t c : text) snprintf(unit, sizeof unit, " %04X", static_cast<unsigned>(c)), out += unit;
+  return out;
+}
+
+TEST(TextCodecCp932, EveryByteEveryPairEveryCharacterAsTheVendorTableSays) {
+  VendorTable table;
+  if (!ReadVendorTable(QV_SOURCE_DIR "/../shared/reference/bestfit932.txt", table))
+    GTEST_SKIP() << "the vendor's table bestfit932.txt is not beside the repository";
+  ASSERT_EQ(table.single.size() + table.lead.size(), 256u);  // every byte is one or the other
+
+  std::string mismatches;  // the first few, so that a broken table does not flood the log
+  auto expect = [&](const std::string& what, const auto& got, const auto& want) {
+    if (got != want && mismatches.size() < 2000) mismatches += what + "\n";
+  };
+  // Decoding, one call per byte or pair, and all of them in one text.
+  std::string all_bytes;
+  std::u16string all_chars;
+  for (int b = 0; b < 256; ++b) {
+    const std::string one(1, static_cast<char>(b));
+    const auto single = table.single.find(b);
+    if (single != table.single.end()) {
+      expect("byte " + std::to_string(b), Utf16FromCp932(one), std::u16string(1, single->second));
+      all_bytes += one, all_chars += single->second;
+      continue;
+    }
+    expect("lone lead " + std::to_string(b), Utf16FromCp932(one), std::u16string(1, kDot));
+    expect("lead before NUL " + std::to_string(b), Utf16FromCp932(one + '\0'),
+           std::u16string{kDot, 0});
+    const std::map<int, char16_t>& pairs = table.lead.at(b);
+    for (int t = 1; t < 256; ++t) {
+      const auto listed = pairs.find(t);
+      const char16_t want = listed == pairs.end() ? kDot : listed->second;
+      const std::string pair = one + static_cast<char>(t);
+      expect("pair " + std::to_string(b) + " " + std::to_string(t), Utf16FromCp932(pair),
+             std::u16string(1, want));
+      all_bytes += pair, all_chars += want;
+    }
+  }
+  expect("all bytes and pairs at once", Utf16FromCp932(all_bytes), all_chars);
+
+  // Encoding, one call per UTF-16 unit, and the whole plane in one text.
+  std::u16string plane;
+  std::string plane_bytes;
+  for (int c = 0; c < 0x10000; ++c) {
+    const auto listed = table.wide.find(static_cast<char16_t>(c));
+    const std::string want = listed == table.wide.end() ? "?" : Bytes(listed->second);
+    const std::u16string one(1, static_cast<char16_t>(c));
+    expect("character" + Hex(one), Cp932FromUtf16(one), want);
+    plane += one, plane_bytes += want;
+  }
+  expect("the whole plane at once", Cp932FromUtf16(plane), plane_bytes);
+  EXPECT_EQ(mismatches, "");
+}
+
+TEST(TextCodecCp932, WhereWindowsDiffersFromOtherConverters) {
+  // Decoding: a lead byte takes the byte behind it, unless that is a NUL.
+  const struct { std::string bytes; std::u16string text; } decoded[] = {
+      {"\x81\x2C" "a", u"\u30FB" "a"},        // a comma after a lead byte is swallowed
+      {"\x81\x7F", u"\u30FB"},                // 0x7F is no trail byte
+      {"\x9F\xFD" "b", u"\u30FB" "b"},
+      {std::string("\x81\0x", 3), std::u16string{kDot, 0, u'x'}},
+      {"x\xE0", u"x\u30FB"},                   // a lead byte at the end
+      {"\x85\x41", u"\u30FB"},                 // a row without characters
+      {"\x80\xA0\xFD\xFF", u"\u0080\uF8F0\uF8F1\uF8F3"},
+      {"\x81\x60\x81\x7C\x87\x90\xFA\x5C", u"\uFF5E\uFF0D\u2252\u7E8A"},
+  };
+  for (const auto& d : decoded) EXPECT_EQ(Hex(Utf16FromCp932(d.bytes)), Hex(d.text)) << Hex(d.text);
+
+  // Encoding: best fit, "?" where there is none, one "?" per surrogate.
+  const struct { std::u16string text; std::string bytes; } encoded[] = {
+      {u"\u00E9\u00A9\u3094\u00A5", "ec\x83\x94\\"},               // é © ゔ ¥ by best fit
+      {u"\u2014\u2016\u203E\u2212\u301C", "?????"},                // other converters map these
+      {u"\u2015\u2225\uFF5E\uFF0D", "\x81\x5C\x81\x61\x81\x60\x81\x7C"},
+      {u"\u2235\uFFE2\u2252\u7E8A\u2170", "\x81\xE6\x81\xCA\x81\xE0\xFA\x5C\xFA\x40"},
+      {u"\U0001F600", "??"},
+      {std::u16string(1, char16_t(0xDC00)) + u"\u30FB", "?\x81\x45"},
+      {u"", ""},
+  };
+  for (const auto& e : encoded) EXPECT_EQ(Cp932FromUtf16(e.text), e.bytes) << Hex(e.text);
+}
+
+}  // namespace
+}  // namespace quorvane::platform
