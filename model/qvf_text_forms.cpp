@@ -11,9 +11,9 @@ namespace quorvane::qvformat::format {
 
 namespace {
 
-bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
-
-std::u16string Widen(const std::string& ascii) { return std::u16string(ascii.begin(), ascii.end()); }
+std::u16string Widen(const std::string& ascii) {
+  return std::u16string(ascii.begin(), ascii.end());
+}
 
 // printf "%0<width>d": the sign first, then zeros up to the width.
 std::u16string PaddedDecimal(std::int64_t value, std::size_t width) {
@@ -59,35 +59,6 @@ std::uint32_t ScanUnsignedHex(std::u16string_view text) {
   return number.negative ? 0u - value : value;
 }
 
-// One "%<width>d" of a scan at `pos`: white space is skipped (and not counted),
-// then at most `width` characters of an optional sign and digits are taken.
-// False, with nothing stored, when no digit stands there.
-bool ScanDecimal(std::u16string_view text, std::size_t& pos, std::size_t width, std::int32_t& value) {
-  std::size_t at = pos;
-  while (at < text.size() && IsRuntimeSpace(text[at])) ++at;
-  std::size_t end = at + width < text.size() ? at + width : text.size();
-  bool negative = false;
-  if (at < end && (text[at] == u'+' || text[at] == u'-')) {
-    negative = text[at] == u'-';
-    ++at;
-  }
-  if (at >= end || !IsDigit(text[at])) return false;
-  std::int32_t number = 0;  // width is at most four digits: no overflow
-  for (; at < end && IsDigit(text[at]); ++at) number = number * 10 + (text[at] - u'0');
-  value = negative ? -number : number;
-  pos = at;
-  return true;
-}
-
-// A literal character of a scan format.
-bool ScanLiteral(std::u16string_view text, std::size_t& pos, char16_t c) {
-  if (pos < text.size() && text[pos] == c) {
-    ++pos;
-    return true;
-  }
-  return false;
-}
-
 }  // namespace
 
 std::u16string FormatColorHash(const QvFColor& color) { return FormatColor(color, u"#"); }
@@ -120,14 +91,12 @@ std::u16string FormatDate(const std::tm& date) {
 
 void ParseDate(std::u16string_view text, std::tm& date) {
   if (text.empty()) return;
-  std::size_t pos = 0;
-  std::int32_t number = 0;
-  if (!ScanDecimal(text, pos, 4, number)) return;
-  date.tm_year = number - 1900;
-  if (!ScanLiteral(text, pos, u'/') || !ScanDecimal(text, pos, 2, number)) return;
-  date.tm_mon = number - 1;
-  if (!ScanLiteral(text, pos, u'/') || !ScanDecimal(text, pos, 2, number)) return;
-  date.tm_mday = number;
+  static constexpr int kWidths[] = {4, 2, 2};  // "%4d/%2d/%2d"
+  int numbers[3];
+  const int read = ScanDecimalFields(text, u'/', kWidths, numbers);
+  if (read > 0) date.tm_year = numbers[0] - 1900;
+  if (read > 1) date.tm_mon = numbers[1] - 1;
+  if (read > 2) date.tm_mday = numbers[2];
 }
 
 std::u16string FormatTime(const std::tm& time) {
@@ -136,11 +105,12 @@ std::u16string FormatTime(const std::tm& time) {
 }
 
 void ParseTime(std::u16string_view text, std::tm& time) {
-  std::size_t pos = 0;
-  if (!ScanDecimal(text, pos, 2, time.tm_hour)) return;
-  if (!ScanLiteral(text, pos, u':') || !ScanDecimal(text, pos, 2, time.tm_min)) return;
-  if (!ScanLiteral(text, pos, u':')) return;
-  ScanDecimal(text, pos, 2, time.tm_sec);
+  static constexpr int kWidths[] = {2, 2, 2};  // "%2d:%2d:%2d"
+  int numbers[3];
+  const int read = ScanDecimalFields(text, u':', kWidths, numbers);
+  if (read > 0) time.tm_hour = numbers[0];
+  if (read > 1) time.tm_min = numbers[1];
+  if (read > 2) time.tm_sec = numbers[2];
 }
 
 std::u16string FormatInt(std::int32_t value) { return PaddedDecimal(value, 0); }
@@ -148,7 +118,8 @@ std::u16string FormatInt(std::int32_t value) { return PaddedDecimal(value, 0); }
 std::int32_t ParseInt(std::u16string_view text) { return ParseLong(text, 10); }
 
 std::array<std::u16string, 4> FormatRegion(const QvFRegion& region) {
-  return {FormatInt(region.x), FormatInt(region.y), FormatInt(region.width), FormatInt(region.height)};
+  return {FormatInt(region.x), FormatInt(region.y), FormatInt(region.width),
+          FormatInt(region.height)};
 }
 
 void ParseRegion(std::u16string_view x, std::u16string_view y, std::u16string_view width,
@@ -159,7 +130,9 @@ void ParseRegion(std::u16string_view x, std::u16string_view y, std::u16string_vi
   region.height = ParseInt(height);
 }
 
-std::u16string FormatFlag(const std::optional<bool>& value) { return FormatFlag(value.value_or(false)); }
+std::u16string FormatFlag(const std::optional<bool>& value) {
+  return FormatFlag(value.value_or(false));
+}
 
 std::u16string FormatFlag(bool value) { return value ? u"true" : u"false"; }
 

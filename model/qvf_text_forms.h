@@ -4,8 +4,9 @@
 //
 // All of this works on the standard library alone and never on the C locale:
 // the scans follow the rules of the runtime functions the formats were first
-// written with ("%4d/%2d/%2d", "%2d:%2d:%2d", _wtoi, wcstoul base 16), and
-// white space means the ASCII set " \t\n\v\f\r".
+// written with ("%4d/%2d/%2d", "%2d:%2d:%2d", _wtoi, wcstoul base 16), field
+// widths included, and white space is the Windows runtime's (U+3000 and the
+// other Unicode spaces too; see qvf_number_scan.h).
 //
 // Parses never fail, except ParseColor on a text with neither "#" nor "0x".
 // A text that does not match leaves the fields it does not give as they were.
@@ -43,7 +44,8 @@ void ParseColor(std::u16string_view text, QvFColor& color);
 // "%04d/%02d/%02d" of year + 1900, month + 1, day of the month.
 std::u16string FormatDate(const std::tm& date);
 // Scans "%4d/%2d/%2d" and sets year (less 1900), month (less 1) and day of
-// the month from the numbers that the text gives.  Empty text changes nothing;
+// the month from the numbers that the text gives ("2026/11/123" gives day 12,
+// "2026/12/-25" day -2).  Empty text changes nothing;
 // a number that the text does not give leaves its field as it was, so an
 // unreadable date leaves the whole date alone.  No range is tested.
 void ParseDate(std::u16string_view text, std::tm& date);
