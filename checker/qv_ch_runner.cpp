@@ -10,6 +10,7 @@
 #include "checker/qv_ch_text.h"
 #include "checker/qv_checker.h"
 #include "csv/qv_csv_file.h"
+#include "model/qvf_number_scan.h"
 #include "model/qvf_text_forms.h"
 #include "platform/system_info.h"
 #include "workspace/project_path.h"
@@ -19,6 +20,8 @@ namespace quorvane::qvconv::checker {
 
 using converter::QvConvException;
 using qvformat::format::ParseInt;
+using qvformat::format::ScanDecimalFields;
+using qvformat::format::ScanUnits;
 
 namespace {
 
@@ -186,8 +189,9 @@ void QvChRunner::CHECK_SCHEDULE_DATE(const QvChDataRow& data_row) {
     today.tm_isdst = 0;
     std::tm date = today;
     if (!cell.empty()) {
+      static constexpr int kWidths[] = {4, 2, 2};  // "%4d/%2d/%2d"
       int numbers[3] = {0, 0, 0};
-      if (ScanNumbers(cell, u'/', 4, 3, numbers) < 3) {
+      if (ScanDecimalFields(cell, u'/', kWidths, numbers) < 3) {
         reportBadCell(table, u"msg.DATE");
         return;
       }
@@ -227,8 +231,9 @@ void QvChRunner::CHECK_TIMETABLE_TIME(const std::u16string& cell) {
     const std::string bytes = converter::Cp932FromWide(cell).substr(0, 255);
     std::u16string narrow;
     for (const char b : bytes) narrow.push_back(static_cast<unsigned char>(b));
+    static constexpr int kWidths[] = {2, 2, 2};  // "%02d:%02d:%02d" on 8-bit text
     int numbers[3] = {0, 0, 0};
-    const int read = ScanNumbers(narrow, u':', 2, 3, numbers);
+    const int read = ScanDecimalFields(narrow, u':', kWidths, numbers, ScanUnits::kBytes);
     if (read > 0) moment.tm_hour = numbers[0];
     if (read > 1) moment.tm_min = numbers[1];
     if (read > 2) moment.tm_sec = numbers[2];

@@ -11,37 +11,6 @@ bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
 
 }  // namespace
 
-int ScanNumbers(std::u16string_view text, char16_t separator, int width, int count,
-                int values[]) {
-  std::size_t pos = 0;
-  for (int i = 0; i < count; ++i) {
-    if (i > 0) {
-      if (pos >= text.size() || text[pos] != separator) return i;
-      ++pos;
-    }
-    while (pos < text.size() && qvformat::format::IsRuntimeSpace(text[pos])) ++pos;
-    int used = 0;
-    bool negative = false;
-    if (pos < text.size() && used < width && (text[pos] == u'+' || text[pos] == u'-')) {
-      negative = text[pos] == u'-';
-      ++pos;
-      ++used;
-    }
-    std::int64_t value = 0;
-    int digits = 0;
-    while (pos < text.size() && used < width && IsDigit(text[pos])) {
-      value = value * 10 + (text[pos] - u'0');
-      ++pos;
-      ++used;
-      ++digits;
-    }
-    if (digits == 0) return i;
-    // The width is small: no number of at most a few digits leaves int range.
-    values[i] = static_cast<int>(negative ? -value : value);
-  }
-  return count;
-}
-
 bool IsDigits(std::u16string_view text, bool allow_minus) {
   if (text.empty()) return false;
   for (std::size_t i = 0; i < text.size(); ++i) {

@@ -1,6 +1,7 @@
-// Small text operations of the checks: the scans and number forms that the
-// cells of a project file are judged by.  White space means the ASCII set
-// " \t\n\v\f\r"; a digit is one of the ten ASCII digits.
+// Small text operations of the checks: the number forms that the cells of a
+// project file are judged by.  White space is the runtime's, as the value
+// forms take it (model/qvf_number_scan.h); a digit is one of the ten ASCII
+// digits.
 #ifndef QV_CHECKER_QV_CH_TEXT_H_
 #define QV_CHECKER_QV_CH_TEXT_H_
 
@@ -10,13 +11,6 @@
 #include <string_view>
 
 namespace quorvane::qvconv::checker {
-
-// Scans `count` numbers of the form "%<width>d" separated by `separator`, as
-// the runtime's scan functions do (white space before a number is skipped and
-// does not count to the width; a sign does).  Returns how many numbers were
-// read; values[i] is set only for those.
-int ScanNumbers(std::u16string_view text, char16_t separator, int width, int count,
-                int values[]);
 
 // Every character a digit; with `allow_minus` the first may be "-".  Empty
 // text is no number.

@@ -5,10 +5,12 @@
 #include <cstdint>
 #include <cstdlib>
 #include <ctime>
+#include <span>
 #include <string>
 
 #include "checker/qv_ch_text.h"
 #include "fuzz_support.h"
+#include "model/qvf_number_scan.h"
 #include "model/qvf_text_forms.h"
 
 namespace fmt = quorvane::qvformat::format;
@@ -54,11 +56,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   bool flag = false;
   fmt::ParseDefaultFlag(text, flag);
 
-  // The scans of the checks, with a width and a count from the selector.
+  // The field scans, with a width, a count and the kind of units from the selector.
   int values[8] = {};
-  const int width = 1 + (selector & 0x07);
+  const int widths[8] = {1 + (selector & 0x07), 2, 4, 1, 9, 2, 3, 11};
   const int count = 1 + ((selector >> 3) & 0x07);
-  const int read = checker::ScanNumbers(text, selector >> 6 == 0 ? u'/' : selector >> 6 == 1 ? u':' : u',', width, count, values);
+  const char16_t separator = selector >> 6 == 0 ? u'/' : selector >> 6 == 1 ? u':' : u',';
+  const fmt::ScanUnits units =
+      (selector & 0x40) != 0 ? fmt::ScanUnits::kBytes : fmt::ScanUnits::kWide;
+  const int read = fmt::ScanDecimalFields(text, separator, std::span<const int>(widths, count),
+                                          values, units);
   if (read < 0 || read > count) std::abort();
   (void)checker::IsDigits(text, (selector & 1) != 0);
   (void)checker::ParseHex(text);

@@ -60,6 +60,19 @@ TEST(CheckerSchedule, TodaysTableAndUnreadableDates) {
   EXPECT_EQ(U8(g.checker.today_timetable), "TM_empty.csv");
 }
 
+// The date cell is scanned "%4d/%2d/%2d": a third digit of the day is left over, and the
+// ideographic space before a number is white space.
+TEST(CheckerSchedule, DateCellKeepsItsFieldWidthsAndWindowsWhiteSpace) {
+  CheckerHarness h;
+  const std::string today = DateFromToday(0);  // yyyy/mm/dd
+  const std::string spaced =
+      "\u3000" + today.substr(0, 5) + "\u3000" + today.substr(5, 3) + "\u3000" + today.substr(8);
+  EXPECT_EQ(h.Check(ChSchedule, h.Csv("Schedule_1.csv", {"n", "f", spaced + ",TM_a.csv",
+                                                           today + "9,TM_b.csv"})), 0);
+  EXPECT_EQ(U8(h.checker.today_timetable), "TM_b.csv");
+  EXPECT_EQ(h.Kinds(), "");
+}
+
 TEST(CheckerContents, NumberRulesStopAtTheRowsEnd) {
   CheckerHarness g;
   // "-1" and an empty cell pass; a row of 14 cells is not tested from column 14.
