@@ -73,6 +73,7 @@ TEST(DisplayRegion, FieldsAndConversion) {
       {u"1,2,3,4,", {1, 2, 3, 4}},       // a trailing comma adds no field
       {u"((1),2,3,4))", {1, 2, 3, 4}},   // every parenthesis goes
       {u"99999999999,-99999999999,1,2", {2147483647, -2147483647 - 1, 1, 2}},
+      {u"\u30001,\u00A02,\u20033,\u200B4", {1, 2, 3, 0}},  // Windows' white space, not U+200B
   };
   for (const auto& [text, expected] : cases) {
     QvConvRunConfig config;
