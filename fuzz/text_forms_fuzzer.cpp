@@ -28,7 +28,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fmt::ParseColor(text, color);
     fmt::QvFColor again{};
     fmt::ParseColor(fmt::FormatColorHash(color), again);
-    if (again.a != color.a || again.r != color.r || again.g != color.g || again.b != color.b) std::abort();
+    if (again.a != color.a || again.r != color.r || again.g != color.g || again.b != color.b)
+      std::abort();
     (void)fmt::FormatColorHex(color);
   });
 

@@ -43,7 +43,8 @@ struct Cp932Tables {
     for (const cp932::DecodeRun& run : cp932::DecodeRuns()) {
       for (unsigned n = 0; n < run.count; ++n) {
         const unsigned code = run.first + n;
-        const char16_t c = run.listed ? listed[run.value + n] : static_cast<char16_t>(run.value + n);
+        const char16_t c =
+            run.listed ? listed[run.value + n] : static_cast<char16_t>(run.value + n);
         if (code < 0x100) {
           single[code] = c;
         } else {

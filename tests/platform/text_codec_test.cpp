@@ -3,6 +3,7 @@
 // converters.
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <fstream>
 #include <map>
 #include <sstream>
@@ -54,7 +55,8 @@ bool ReadVendorTable(const std::string& path, VendorTable& table) {
         }
       }
     } else if (head[0] == "WCTABLE") {
-      entries(number(head[1]), [&](int c, int code) { table.wide[static_cast<char16_t>(c)] = code; });
+      entries(number(head[1]),
+              [&](int c, int code) { table.wide[static_cast<char16_t>(c)] = code; });
     }
   }
   return !table.single.empty() && !table.lead.empty() && !table.wide.empty();
@@ -68,7 +70,10 @@ std::string Bytes(int code) {
 std::string Hex(std::u16string_view text) {
   std::string out;
   char unit[8];
-  for (char16_t c : text) snprintf(unit, sizeof unit, " %04X", static_cast<unsigned>(c)), out += unit;
+  for (char16_t c : text) {
+    std::snprintf(unit, sizeof unit, " %04X", static_cast<unsigned>(c));
+    out += unit;
+  }
   return out;
 }
 
