@@ -85,7 +85,7 @@ bench_scenario() {
 }
 
 bench_telop() {
-  echo "== telop without line feeds, 8 and 32 MiB (target: check <= a few x one decoding of the file)"
+  echo "== telop without line feeds, 8 and 32 MiB (target: check <= a few x one decoding)"
   local size
   for size in 8 32; do
     python3 bench/make_project.py telop "$BENCH_DIR/telop$size" --size $((size << 20))

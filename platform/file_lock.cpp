@@ -26,8 +26,7 @@ bool OwnLockFile(const struct stat& st) {
 
 }  // namespace
 
-FileLock::FileLock(const SharedFolder& folder, std::u16string_view name)
-    : name_(NativePath(name)) {
+FileLock::FileLock(const SharedFolder& folder, std::u16string_view name) : name_(NativePath(name)) {
   status_ = folder.status();
   if (status_ != FixedName::kReady) return;
   status_ = FixedName::kUnavailable;

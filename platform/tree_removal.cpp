@@ -106,8 +106,8 @@ class Walk {
       if (child < 0) {
         // Gone meanwhile, or no longer a folder (a link to one included):
         // removed as the entry it is.
-        if (errno == ENOENT || ((errno == ELOOP || errno == ENOTDIR) &&
-                                ::unlinkat(level.fd, name, 0) == 0)) {
+        if (errno == ENOENT ||
+            ((errno == ELOOP || errno == ENOTDIR) && ::unlinkat(level.fd, name, 0) == 0)) {
           ++level.next;
           continue;
         }

@@ -13,8 +13,9 @@ namespace quorvane::qvconv::converter {
 // mode 0700 if it is missing; since that name is fixed in a folder that
 // others may write, one that is a link, someone else's or writable by others
 // gives empty text too (see platform/private_folder.h).  With a root the
-// folder goes directly below that root, which is not made here.  The folder's own name is the local time "YYYYMMDD-hhmmss" followed
-// directly by a fresh UUID: "<base>/20240131-235959<36 characters>".
+// folder goes directly below that root, which is not made here.  The
+// folder's own name is the local time "YYYYMMDD-hhmmss" followed directly by
+// a fresh UUID: "<base>/20240131-235959<36 characters>".
 // Every caller passes the name "QvConv".
 std::u16string MakeWorkFolder(const std::u16string& root, const std::u16string& name);
 

@@ -1,6 +1,6 @@
-// Fixed names in a shared folder (private folders and lock files): whatever someone planted under the
-// name beforehand is refused and left exactly as it was, and so is what it points to; a free name is
-// made ours alone.
+// Fixed names in a shared folder (private folders and lock files): whatever someone planted under
+// the name beforehand is refused and left exactly as it was, and so is what it points to; a free
+// name is made ours alone.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -33,15 +33,16 @@ class FixedNames : public testing::Test {
 
   bool VictimIntact() {
     return qvtest::ListDir(victim_) == std::vector<std::string>{"keep.txt"} &&
-           qvtest::ReadFile(victim_ + "/keep.txt") == "keep" && qvtest::ReadFile(victim_file_) == "victim" &&
-           !qvtest::Exists(scratch_.Sub("missing"));
+           qvtest::ReadFile(victim_ + "/keep.txt") == "keep" &&
+           qvtest::ReadFile(victim_file_) == "victim" && !qvtest::Exists(scratch_.Sub("missing"));
   }
 
   // The kind and inode of what stands under a name, to see that it was left alone.
   std::string Identity(const std::string& path) {
     struct stat st;
     if (::lstat(path.c_str(), &st) != 0) return "none";
-    return std::to_string(st.st_mode) + ":" + std::to_string(st.st_ino) + ":" + std::to_string(st.st_uid);
+    return std::to_string(st.st_mode) + ":" + std::to_string(st.st_ino) + ":" +
+           std::to_string(st.st_uid);
   }
 
   ScratchDir scratch_;
@@ -51,7 +52,8 @@ class FixedNames : public testing::Test {
 
 struct Planting {
   const char* what;
-  std::function<bool(const std::string& at, const std::string& victim, const std::string& file)> plant;
+  std::function<bool(const std::string& at, const std::string& victim, const std::string& file)>
+      plant;
   bool folder_ready, lock_ready;
   bool needs_root = false;
 };
@@ -59,26 +61,36 @@ struct Planting {
 bool Made(int result) { return result == 0; }
 
 const std::vector<Planting> kPlantings = {
-    {"own folder", [](auto& at, auto&, auto&) { return Made(::mkdir(at.c_str(), 0755)); }, true, false},
-    {"own file", [](auto& at, auto&, auto&) { return Made(::close(::creat(at.c_str(), 0644))); }, false, true},
-    {"link to a folder", [](auto& at, auto& v, auto&) { return Made(::symlink(v.c_str(), at.c_str())); },
-     false, false},
-    {"link to a file", [](auto& at, auto&, auto& f) { return Made(::symlink(f.c_str(), at.c_str())); },
-     false, false},
-    {"dangling link",
-     [](auto& at, auto& v, auto&) { return Made(::symlink((v + "/../missing").c_str(), at.c_str())); }, false,
+    {"own folder", [](auto& at, auto&, auto&) { return Made(::mkdir(at.c_str(), 0755)); }, true,
      false},
-    {"hard link to a file", [](auto& at, auto&, auto& f) { return Made(::link(f.c_str(), at.c_str())); },
+    {"own file", [](auto& at, auto&, auto&) { return Made(::close(::creat(at.c_str(), 0644))); },
+     false, true},
+    {"link to a folder",
+     [](auto& at, auto& v, auto&) { return Made(::symlink(v.c_str(), at.c_str())); }, false, false},
+    {"link to a file",
+     [](auto& at, auto&, auto& f) { return Made(::symlink(f.c_str(), at.c_str())); }, false, false},
+    {"dangling link",
+     [](auto& at, auto& v, auto&) {
+       return Made(::symlink((v + "/../missing").c_str(), at.c_str()));
+     },
      false, false},
+    {"hard link to a file",
+     [](auto& at, auto&, auto& f) { return Made(::link(f.c_str(), at.c_str())); }, false, false},
     {"folder writable by others",
-     [](auto& at, auto&, auto&) { return Made(::mkdir(at.c_str(), 0700)) && Made(::chmod(at.c_str(), 0777)); },
+     [](auto& at, auto&, auto&) {
+       return Made(::mkdir(at.c_str(), 0700)) && Made(::chmod(at.c_str(), 0777));
+     },
      false, false},
     {"file writable by the group",
-     [](auto& at, auto&, auto&) { return Made(::close(::creat(at.c_str(), 0600))) && Made(::chmod(at.c_str(), 0620)); },
+     [](auto& at, auto&, auto&) {
+       return Made(::close(::creat(at.c_str(), 0600))) && Made(::chmod(at.c_str(), 0620));
+     },
      false, false},
     {"pipe", [](auto& at, auto&, auto&) { return Made(::mkfifo(at.c_str(), 0600)); }, false, false},
     {"folder of another user",
-     [](auto& at, auto&, auto&) { return Made(::mkdir(at.c_str(), 0700)) && Made(::chown(at.c_str(), kOtherUser, -1)); },
+     [](auto& at, auto&, auto&) {
+       return Made(::mkdir(at.c_str(), 0700)) && Made(::chown(at.c_str(), kOtherUser, -1));
+     },
      false, false, true},
     {"file of another user",
      [](auto& at, auto&, auto&) {
@@ -106,7 +118,8 @@ TEST_F(FixedNames, PlantedNamesAreRefusedAndLeftAlone) {
         EXPECT_EQ(folder.Empty(), ready) << p.what;
       }
       // A lock that was had takes its file with it; anything refused stays as it was.
-      EXPECT_EQ(Identity(name_), ready && as_lock ? "none" : before) << p.what << (as_lock ? " lock" : "");
+      EXPECT_EQ(Identity(name_), ready && as_lock ? "none" : before)
+          << p.what << (as_lock ? " lock" : "");
       EXPECT_TRUE(VictimIntact()) << p.what;
       qvtest::RemoveAll(name_);
     }
@@ -145,14 +158,17 @@ TEST_F(FixedNames, FreeNamesAreMadeOursAlone) {
   EXPECT_TRUE(VictimIntact());
 }
 
-// The shared folder may be shared with its sticky bit; anyone may write it without: then it holds nothing
-// of ours.
+// The shared folder may be shared with its sticky bit; anyone may write it without: then it holds
+// nothing of ours.
 TEST_F(FixedNames, SharedFolderThatAnyoneMayRearrangeIsRefused) {
   const struct {
     mode_t mode;
     FixedName expected;
-  } cases[] = {{0755, FixedName::kReady}, {01777, FixedName::kReady}, {0770, FixedName::kReady},
-               {0777, FixedName::kUnsafe}, {0703, FixedName::kUnsafe}};
+  } cases[] = {{0755, FixedName::kReady},
+               {01777, FixedName::kReady},
+               {0770, FixedName::kReady},
+               {0777, FixedName::kUnsafe},
+               {0703, FixedName::kUnsafe}};
   for (const auto& c : cases) {
     ASSERT_EQ(::chmod(shared_.c_str(), c.mode), 0);
     const SharedFolder shared(U16(shared_));
@@ -163,7 +179,8 @@ TEST_F(FixedNames, SharedFolderThatAnyoneMayRearrangeIsRefused) {
     qvtest::RemoveAll(name_);
   }
   EXPECT_EQ(SharedFolder(U16(scratch_.Sub("missing"))).status(), FixedName::kUnavailable);
-  EXPECT_EQ(PrivateFolder(SharedFolder(U16(scratch_.Sub("missing"))), u"x").status(), FixedName::kUnavailable);
+  EXPECT_EQ(PrivateFolder(SharedFolder(U16(scratch_.Sub("missing"))), u"x").status(),
+            FixedName::kUnavailable);
 }
 
 TEST_F(FixedNames, PlainFileInsideIsReachedWithoutLinks) {
@@ -173,7 +190,8 @@ TEST_F(FixedNames, PlainFileInsideIsReachedWithoutLinks) {
   qvtest::WriteFile(elsewhere + "/QvS.xml", "<s/>");
   auto inner = [&] { qvtest::MakeDirs(name_ + "/QvFormat"); };
   const std::vector<std::pair<const char*, std::function<void()>>> cases = {
-      {"link to a file", [&] { inner(), ::symlink((elsewhere + "/QvS.xml").c_str(), marker.c_str()); }},
+      {"link to a file",
+       [&] { inner(), ::symlink((elsewhere + "/QvS.xml").c_str(), marker.c_str()); }},
       {"folder", [&] { qvtest::MakeDirs(marker); }},
       {"pipe", [&] { inner(), ::mkfifo(marker.c_str(), 0600); }},
       {"folder is a link", [&] { ::symlink(elsewhere.c_str(), (name_ + "/QvFormat").c_str()); }},
@@ -201,11 +219,13 @@ TEST_F(FixedNames, LockIsExclusiveBetweenProcesses) {
   // Let go, the file is gone: nothing is left in the shared folder.
   EXPECT_FALSE(qvtest::Exists(lock_file));
 
-  // A run that waited on a file that its holder (another process) then removed and let go must not count
-  // that lock as its own: it takes the file that the name stands for now.
-  auto holder = qvtest::Run({"sh", "-c",
-                             "umask 077; flock \"$0\" sh -c 'touch \"$0.held\"; sleep 0.3; rm \"$0\"' \"$0\" &"
-                             "while [ ! -e \"$0.held\" ]; do sleep 0.01; done", lock_file});
+  // A run that waited on a file that its holder (another process) then removed and let go must not
+  // count that lock as its own: it takes the file that the name stands for now.
+  auto holder = qvtest::Run(
+      {"sh", "-c",
+       "umask 077; flock \"$0\" sh -c 'touch \"$0.held\"; sleep 0.3; rm \"$0\"' \"$0\" &"
+       "while [ ! -e \"$0.held\" ]; do sleep 0.01; done",
+       lock_file});
   ASSERT_EQ(holder.status, 0);
   FileLock lock(shared, u"lock");
   ASSERT_TRUE(lock.held());

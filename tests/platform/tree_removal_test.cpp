@@ -1,5 +1,5 @@
-// Removing trees on folder descriptors: nothing outside a tree is touched, whatever links it holds at
-// whatever depth; names that are not UTF-8, read-only files and folders that may not be read or
+// Removing trees on folder descriptors: nothing outside a tree is touched, whatever links it holds
+// at whatever depth; names that are not UTF-8, read-only files and folders that may not be read or
 // written all go; a tree of any depth goes with few descriptors.
 #include "platform/tree_removal.h"
 
@@ -28,7 +28,8 @@ class TreeRemoval : public testing::Test {
 
   bool OutsideIntact() {
     return qvtest::ListDir(outside_) == std::vector<std::string>{"keep.txt"} &&
-           qvtest::ReadFile(outside_ + "/keep.txt") == "keep" && !qvtest::Exists(outside_ + "/missing");
+           qvtest::ReadFile(outside_ + "/keep.txt") == "keep" &&
+           !qvtest::Exists(outside_ + "/missing");
   }
   static void Link(const std::string& target, const std::string& at) {
     ASSERT_EQ(::symlink(target.c_str(), at.c_str()), 0) << at;
@@ -79,7 +80,8 @@ TEST_F(TreeRemoval, RemovesEverythingInsideAndNothingOutside) {
 TEST_F(TreeRemoval, TheTopMustBeARealFolder) {
   const std::string at = scratch_.Sub("at");
   const std::vector<std::pair<const char*, std::string>> tops = {
-      {"link to a folder", outside_}, {"link to a file", outside_ + "/keep.txt"},
+      {"link to a folder", outside_},
+      {"link to a file", outside_ + "/keep.txt"},
       {"dangling link", outside_ + "/missing"}};
   for (const auto& [what, target] : tops) {
     Link(target, at);

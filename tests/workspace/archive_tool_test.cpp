@@ -45,8 +45,8 @@ TEST_F(ArchiveTool, ProbeTellsPackagesFromPlainArchives) {
   EXPECT_FALSE(Probe(Zip("s.zip", "QvFormat/QvS.xml/inner.txt")));
 }
 
-// What a killed probe left in the probe folder, read-only and oddly named parts included, cannot make a
-// plain archive look like a package.
+// What a killed probe left in the probe folder, read-only and oddly named parts
+// included, cannot make a plain archive look like a package.
 TEST_F(ArchiveTool, LeftoversOfAKilledProbeDoNotCount) {
   const std::string left = scratch_.Sub("tmp/chktemp");
   qvtest::WriteFile(left + "/QvFormat/QvS.xml", "<s/>");
