@@ -13,6 +13,12 @@ authoring tool writes them, all of them passing the check.
       one schedule entry a day for D days over T time tables, P programs,
       each with a frame playlist of 10 items and a telop playlist of one
       (default 2000 programs, 200 time tables, 365 days)
+  make_project.py telop <folder> [--size BYTES]
+      one program with an image pane and a telop pane whose telop holds
+      BYTES of code page 932 text without a line feed behind its two header
+      lines (default 32 MiB); the project stands in <folder>/a/b/c/project
+      and the telop both in its contents folder and in <folder>/contents,
+      where a check-only run looks for it
 """
 
 import argparse
@@ -160,22 +166,47 @@ def make_scenario(root, programs, timetables, days):
             write(os.path.join(folder, "playlist_%d.csv" % n), b"")
 
 
+def make_telop(root, size):
+    fresh(root)
+    project = os.path.join(root, "a", "b", "c", "project")
+    write(os.path.join(project, "Schedule.csv"), csv_bytes(
+        [["Schedule"], ["false"], [future_date(0), "TimeTable_1.csv", "true"]]))
+    write(os.path.join(project, "TimeTable_1.csv"), csv_bytes(
+        [["Telop"], ["0xD4F0FF"], ["00:00:00", "23:59:00", "0", "Program_1", "0", ""]]))
+    folder = os.path.join(project, "Program_1")
+    write(os.path.join(folder, "program.csv"), csv_bytes(program_rows("Telop", True)))
+    write(os.path.join(project, "contents", "image.jpg"), b"image")
+    playlist(folder, 1, [("..\\contents\\image.jpg", content_line())])
+    playlist(folder, 5, [("..\\contents\\big.tlp", content_line(time="00:00:20"))])
+    for n in (0, 7):
+        write(os.path.join(folder, "playlist_%d.csv" % n), b"")
+    # A small font, so that the longest counted line stays within the limit
+    # and the check passes.
+    head = "TELOP\r\n0,0,4,0xffffff,0x000000,0,0,1\r\n".encode("cp932")
+    unit = "お知らせ テロップ 0123456789 ".encode("cp932")
+    text = (unit * (size // len(unit) + 1))[:size]
+    for where in (os.path.join(project, "contents"), os.path.join(root, "contents")):
+        write(os.path.join(where, "big.tlp"), head + text)
+
+
 def main():
     ap = argparse.ArgumentParser(description=__doc__,
                                  formatter_class=argparse.RawDescriptionHelpFormatter)
-    ap.add_argument("kind", choices=["timetables", "content", "scenario"])
+    ap.add_argument("kind", choices=["timetables", "content", "scenario", "telop"])
     ap.add_argument("folder")
     ap.add_argument("--timetables", type=int)
     ap.add_argument("--rows", type=int, default=20)
     ap.add_argument("--programs", type=int)
     ap.add_argument("--files", type=int, default=500)
-    ap.add_argument("--size", type=int, default=1 << 20)
+    ap.add_argument("--size", type=int)
     ap.add_argument("--days", type=int, default=365)
     a = ap.parse_args()
     if a.kind == "timetables":
         make_timetables(a.folder, a.timetables or 1000, a.rows)
     elif a.kind == "content":
-        make_content(a.folder, a.programs or 50, a.files, a.size)
+        make_content(a.folder, a.programs or 50, a.files, a.size or 1 << 20)
+    elif a.kind == "telop":
+        make_telop(a.folder, a.size or 32 << 20)
     else:
         make_scenario(a.folder, a.programs or 2000, a.timetables or 200, a.days)
 

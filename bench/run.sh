@@ -6,7 +6,10 @@
 #                             side with `cp -r` + `7za a -tzip` of the project
 #   bench/run.sh scenario     2,000 programs (22,000 contents files), and the
 #                             same with 200 programs for the growth ratio
-#   bench/run.sh all          the three in turn
+#   bench/run.sh telop        -check of a project whose telop holds 8 MiB and
+#                             32 MiB of text without a line feed, side by
+#                             side with one decoding of the 32 MiB file
+#   bench/run.sh all          the four in turn
 #
 # QV_BIN names the program (default: build/qvConvApp, built by ./qv build).
 # BENCH_DIR is where the projects and packages go (default: a fresh folder
@@ -81,10 +84,31 @@ bench_scenario() {
     'BEGIN { if (s > 0) printf "growth T(2000) / T(200) = %.2f (target <= 11)\n", l / s }'
 }
 
+bench_telop() {
+  echo "== telop without line feeds, 8 and 32 MiB (target: check <= a few x one decoding)"
+  local size
+  for size in 8 32; do
+    python3 bench/make_project.py telop "$BENCH_DIR/telop$size" --size $((size << 20))
+  done
+  measure "iconv -f CP932 of the 32 MiB telop" \
+    iconv -f CP932 -t UTF-8 -o /dev/null "$BENCH_DIR/telop32/contents/big.tlp"
+  local once=$SECONDS_TAKEN
+  measure "qvConvApp -check, 8 MiB telop" \
+    "$QV_BIN" "$BENCH_DIR/telop8/a/b/c/project" "-check$BENCH_DIR/telop8.xml"
+  local small=$SECONDS_TAKEN
+  measure "qvConvApp -check, 32 MiB telop" \
+    "$QV_BIN" "$BENCH_DIR/telop32/a/b/c/project" "-check$BENCH_DIR/telop32.xml"
+  local large=$SECONDS_TAKEN
+  awk -v s="$small" -v l="$large" -v o="$once" 'BEGIN {
+    if (s > 0) printf "growth T(32 MiB) / T(8 MiB) = %.2f (linear: about 4)\n", l / s
+    if (o > 0) printf "check / one decoding of the file = %.2f\n", l / o }'
+}
+
 case "${1:-all}" in
   timetables) bench_timetables ;;
   content) bench_content ;;
   scenario) bench_scenario ;;
-  all) bench_timetables; bench_content; bench_scenario ;;
-  *) echo "usage: $0 timetables|content|scenario|all" >&2; exit 2 ;;
+  telop) bench_telop ;;
+  all) bench_timetables; bench_content; bench_scenario; bench_telop ;;
+  *) echo "usage: $0 timetables|content|scenario|telop|all" >&2; exit 2 ;;
 esac

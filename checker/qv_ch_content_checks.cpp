@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "checker/qv_ch_message.h"
@@ -78,17 +79,21 @@ void TakeLine(TelopText& telop, std::string utf8, char end_of_text) {
 }
 
 // Lines as a stream reads them: the last line needs no line end, and a file
-// that ends with one has no empty line behind it.
+// that ends with one has no empty line behind it.  A line end is looked for
+// within the next piece only, so a text without line ends costs its length,
+// not its length times the number of pieces.
 template <typename Text, typename Take>
 void ForEachLine(const Text& text, typename Text::value_type end, std::size_t max_piece,
                  Take take) {
+  const std::basic_string_view<typename Text::value_type> all(text);
   std::size_t start = 0;
-  while (start < text.size()) {
-    std::size_t stop = text.find(end, start);
-    stop = stop == Text::npos ? text.size() : stop + 1;  // the line end belongs to the piece
-    if (stop - start > max_piece) stop = start + max_piece;
-    take(text.substr(start, stop - start));
-    start = stop;
+  while (start < all.size()) {
+    const auto window = all.substr(start, max_piece);
+    const std::size_t found = window.find(end);
+    // The line end belongs to the piece.
+    const std::size_t length = found == window.npos ? window.size() : found + 1;
+    take(Text(window.substr(0, length)));
+    start += length;
   }
 }
 

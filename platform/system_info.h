@@ -1,12 +1,10 @@
 // What the program asks of its surroundings: the temporary folder, the local
-// time, a fresh UUID, the language of the user's messages, and an exclusive
-// lock on a named file for runs that share a folder.
+// time, a fresh UUID and the language of the user's messages.
 #ifndef QV_PLATFORM_SYSTEM_INFO_H_
 #define QV_PLATFORM_SYSTEM_INFO_H_
 
 #include <ctime>
 #include <string>
-#include <string_view>
 
 namespace quorvane::platform {
 
@@ -26,23 +24,6 @@ std::string MessageLocaleName();
 // Writes text to standard error exactly as given, no line end added (only for
 // the XML library's start-up failure).
 void WriteStandardError(const std::string& text);
-
-// An exclusive advisory lock on a file, made if missing; at destruction the
-// file is removed and the lock released (a process that ends releases it too,
-// and may leave the empty file).  Lets runs side by side take turns on a
-// shared fixed-name folder.
-class FileLock {
- public:
-  explicit FileLock(std::u16string_view path);  // blocks until the lock is had
-  ~FileLock();
-  FileLock(const FileLock&) = delete;
-  FileLock& operator=(const FileLock&) = delete;
-  bool held() const { return fd_ >= 0; }
-
- private:
-  std::u16string path_;
-  int fd_ = -1;
-};
 
 }  // namespace quorvane::platform
 

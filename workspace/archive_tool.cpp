@@ -4,7 +4,8 @@
 #include <vector>
 
 #include "app/qv_conv_exception.h"
-#include "platform/file_system.h"
+#include "platform/file_lock.h"
+#include "platform/private_folder.h"
 #include "platform/process.h"
 #include "platform/system_info.h"
 #include "workspace/file_tree.h"
@@ -30,9 +31,13 @@ bool RunTool(std::vector<std::u16string> arguments) {
   return platform::RunProcess(arguments).started;
 }
 
-}  // namespace
+// A fixed name in a shared folder that is not ours alone, or cannot be made,
+// ends the run before anything is done with it.
+void RequireReady(platform::FixedName status) {
+  if (status != platform::FixedName::kReady) ThrowCode(codes::kCannotCreate);
+}
 
-std::u16string ProbeFolder() { return platform::TempDirectory() + u"chktemp"; }
+}  // namespace
 
 void PackFolder(const std::u16string& folder, const std::u16string& archive, bool compress) {
   bool started = false;
@@ -60,13 +65,37 @@ void UnpackArchive(const std::u16string& archive, const std::u16string& folder) 
   if (!started) ThrowCode(codes::kUnpackFailed);
 }
 
+void UnpackArchive(const std::u16string& archive, platform::PrivateFolder& folder) {
+  // Whatever an earlier run left there would be taken for part of this archive.
+  if (!folder.Empty()) ThrowCode(codes::kCannotCreate);
+  bool started = false;
+  try {
+    started = RunTool({u"x", AsOperand(archive), u"-o" + folder.ChildPath()});
+  } catch (const std::exception&) {
+    ThrowCode(codes::kUnpackFailed);
+  }
+  if (!started) ThrowCode(codes::kUnpackFailed);
+}
+
 bool ProbeArchive(const std::u16string& archive) {
-  const std::u16string probe = ProbeFolder();
-  if (!RunTool({u"x", AsOperand(archive), u"-o" + probe})) ThrowCode(codes::kUnpackFailed);
+  const platform::SharedFolder temp(platform::TempDirectory());
+  RequireReady(temp.status());
+  // The probe folder has a fixed name: one run at a time fills, reads and
+  // empties it.
+  const platform::FileLock lock(temp, u"chktemp.lock");
+  RequireReady(lock.status());
+  platform::PrivateFolder probe(temp, u"chktemp");
+  RequireReady(probe.status());
+  try {
+    UnpackArchive(archive, probe);
+  } catch (...) {
+    probe.Remove();
+    throw;
+  }
   // Only a plain file that opens counts; its content is not read here.
-  const std::u16string marker = probe + u"/QvFormat/QvS.xml";
-  std::string head;
-  return platform::IsRegularFile(marker) && platform::ReadFilePrefix(marker, 1, &head);
+  const bool package = probe.HasPlainFile(u"QvFormat/QvS.xml");
+  probe.Remove();
+  return package;
 }
 
 }  // namespace quorvane::qvconv::converter

@@ -11,6 +11,10 @@
 
 #include <string>
 
+namespace quorvane::platform {
+class PrivateFolder;
+}
+
 namespace quorvane::qvconv::converter {
 
 // Packs `folder` into the zip file `archive`: 7za a -r -tzip <archive> <folder>.
@@ -26,14 +30,23 @@ void PackFolder(const std::u16string& folder, const std::u16string& archive, boo
 // when the tool cannot be started, or on a standard exception.
 void UnpackArchive(const std::u16string& archive, const std::u16string& folder);
 
-// Extracts the whole archive into <temp>chktemp and answers whether
-// <temp>chktemp/QvFormat/QvS.xml can then be opened: that one file makes an
-// archive a package of XML documents.  The probe folder is left for the
-// caller to remove.  Throws -402 when the tool cannot be started.
-bool ProbeArchive(const std::u16string& archive);
+// The same into a private folder of ours with a fixed name, which is emptied
+// first and handed to the tool as the open folder itself, so that its name
+// cannot be swapped for a link meanwhile.  Throws -3 when it cannot be
+// emptied, -402 when the tool cannot be started.
+void UnpackArchive(const std::u16string& archive, platform::PrivateFolder& folder);
 
-// The probe's extraction folder: <temp>chktemp.
-std::u16string ProbeFolder();
+// Answers whether `archive` is a package of XML documents: QvFormat/QvS.xml
+// in it is a plain file that opens (reached without following a link).  The
+// whole archive is extracted into the probe folder <temp>chktemp, which is
+// made, or emptied first whatever a killed run left in it, and removed again
+// after the test.  Runs side by side take turns on it through the lock file
+// <temp>chktemp.lock.  Throws -3 when either name cannot be made or is not
+// ours alone (a link, someone else's, writable by others: see
+// platform/private_folder.h), before anything is extracted or removed, or
+// when the probe folder cannot be emptied; -402 when the tool cannot be
+// started.
+bool ProbeArchive(const std::u16string& archive);
 
 }  // namespace quorvane::qvconv::converter
 

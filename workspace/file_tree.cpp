@@ -4,6 +4,7 @@
 
 #include "app/qv_conv_exception.h"
 #include "platform/file_system.h"
+#include "platform/tree_removal.h"
 
 namespace quorvane::qvconv::converter {
 namespace {
@@ -29,22 +30,7 @@ void CopyEntries(const std::u16string& source, const std::u16string& destination
 
 }  // namespace
 
-bool DeleteTree(const std::u16string& path) {
-  std::vector<platform::DirEntry> entries;
-  if (!platform::ListDirectory(path, &entries)) return false;
-  for (const platform::DirEntry& entry : entries) {
-    const std::u16string child = Join(path, entry.name);
-    if (entry.is_directory) {
-      // A read-only folder would keep its entries: open it first.
-      if (entry.read_only) platform::MakeWritable(child);
-      if (!DeleteTree(child)) return false;
-    } else {
-      if (entry.read_only) platform::MakeWritable(child);
-      if (!platform::RemoveFile(child)) return false;
-    }
-  }
-  return platform::RemoveDirectory(path);
-}
+bool DeleteTree(const std::u16string& path) { return platform::RemoveTree(path); }
 
 void CopyTree(const std::u16string& source, const std::u16string& destination) {
   try {

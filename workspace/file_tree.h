@@ -11,10 +11,11 @@
 
 namespace quorvane::qvconv::converter {
 
-// Removes a folder with everything in it, read-only files included.  True if
-// the folder is gone; false if it cannot be listed (it does not exist, or is
-// no folder) or something in it could not be removed.  Stops at the first
-// entry that cannot be removed, leaving the rest in place.
+// Removes a folder with everything in it, read-only files and entries whose
+// names are not UTF-8 included.  True if the folder is gone; false if it
+// cannot be listed (it does not exist, is no folder, or is a link: a link is
+// not followed here either) or something in it could not be removed.  Stops
+// at the first entry that cannot be removed, leaving the rest in place.
 bool DeleteTree(const std::u16string& path);
 
 // Copies `source` to `destination`.

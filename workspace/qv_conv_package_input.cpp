@@ -3,12 +3,20 @@
 #include <exception>
 
 #include "app/qv_conv_exception.h"
-#include "platform/file_system.h"
+#include "platform/file_lock.h"
+#include "platform/private_folder.h"
 #include "platform/system_info.h"
 #include "workspace/archive_tool.h"
-#include "workspace/file_tree.h"
 
 namespace quorvane::qvconv::converter {
+namespace {
+
+// A fixed name that is not ours alone, or cannot be made, ends the run.
+void RequireReady(platform::FixedName status) {
+  if (status != platform::FixedName::kReady) ThrowCode(codes::kCannotCreate);
+}
+
+}  // namespace
 
 QvConvPackageInput::QvConvPackageInput(QvConvRunConfig& config) : config_(config) {}
 
@@ -18,12 +26,8 @@ bool& QvConvPackageInput::IsXmlPackage() {
   if (probed_) return answer_;
   try {
     answer_ = false;
-    const std::u16string probe = ProbeFolder();
-    // The probe folder has a fixed name: one run at a time fills, reads and
-    // empties it.
-    platform::FileLock lock(probe + u".lock");
+    // The probe folder is emptied before and removed after the test.
     answer_ = ProbeArchive(config_.InputPath());
-    DeleteTree(probe);
     probed_ = true;
   } catch (const std::exception&) {
     ThrowCode(codes::kUnpackFailed);
@@ -43,9 +47,6 @@ std::u16string QvConvPackageInput::ConvFolder() const { return Root() + u"conv";
 
 void QvConvPackageInput::Unpack() {
   if (answer_) {
-    // unzip is shared by every run that opens a package: it stays ours until
-    // the conversion that reads it has ended.
-    if (!unzip_lock_) unzip_lock_ = std::make_unique<platform::FileLock>(UnzipFolder() + u".lock");
     MakeUnpackFolders();
     config_.SetConversionRoot(UnzipFolder());
   }
@@ -54,16 +55,25 @@ void QvConvPackageInput::Unpack() {
 }
 
 void QvConvPackageInput::MakeUnpackFolders() {
-  for (const std::u16string& folder : {UnzipFolder(), ConvFolder()}) {
-    if (platform::MakeDirectory(folder) == platform::MakeDirResult::kFailed) {
-      ThrowCode(codes::kCannotCreate);
-    }
-  }
+  const platform::SharedFolder root(Root());
+  RequireReady(root.status());
+  // unzip is shared by every run that opens a package: it stays ours until
+  // the conversion that reads it has ended.
+  if (!unzip_lock_) unzip_lock_ = std::make_unique<platform::FileLock>(root, u"unzip.lock");
+  RequireReady(unzip_lock_->status());
+  unzip_ = std::make_unique<platform::PrivateFolder>(root, u"unzip");
+  RequireReady(unzip_->status());
+  conv_ = std::make_unique<platform::PrivateFolder>(root, u"conv");
+  RequireReady(conv_->status());
 }
 
 void QvConvPackageInput::ExtractInput() {
   try {
-    const std::u16string destination = answer_ ? UnzipFolder() : config_.OutputPath();
+    if (answer_) {
+      UnpackArchive(config_.InputPath(), *unzip_);
+      return;
+    }
+    const std::u16string destination = config_.OutputPath();
     if (destination.empty()) ThrowCode(codes::kBadCommandLine);
     UnpackArchive(config_.InputPath(), destination);
   } catch (const std::exception&) {

@@ -12,9 +12,12 @@
 //
 // The folders chktemp, unzip and conv have fixed names, so runs side by side
 // take turns on them: the probe holds a lock on <temp>chktemp.lock, and the
-// opening of an XML package holds one on <root>unzip.lock until this object
-// is destroyed (or the process ends), i.e. for the whole conversion when the
-// caller keeps the object alive around the pipeline.
+// opening of an XML package holds one on <root>unzip.lock, and keeps unzip
+// and conv open, until this object is destroyed (or the process ends), i.e.
+// for the whole conversion when the caller keeps the object alive around the
+// pipeline.  Each of these names must be ours alone (see
+// platform/private_folder.h): one that is a link, someone else's or writable
+// by others ends the run with -3 before anything is extracted or removed.
 //
 // Calling order: IsXmlPackage, Unpack, IsXmlPackage.
 #ifndef QV_WORKSPACE_QV_CONV_PACKAGE_INPUT_H_
@@ -27,6 +30,7 @@
 
 namespace quorvane::platform {
 class FileLock;
+class PrivateFolder;
 }
 
 namespace quorvane::qvconv::converter {
@@ -38,15 +42,17 @@ class QvConvPackageInput {
   QvConvPackageInput(const QvConvPackageInput&) = delete;
   QvConvPackageInput& operator=(const QvConvPackageInput&) = delete;
 
-  // Probes the input on the first call (code -402 when the tool cannot be
-  // started or on a standard exception) and removes the probe folder; later
-  // calls give the remembered answer.
+  // Probes the input on the first call (code -3 when the probe folder or its
+  // lock is not ours alone, -402 when the tool cannot be started or on a
+  // standard exception) and removes the probe folder; later calls give the
+  // remembered answer.
   bool& IsXmlPackage();
 
   // Extracts the input: into the output folder for a plain archive, into
-  // UnzipFolder() for an XML package, whose configuration is then switched
-  // to the XML to CSV conversion.  Codes: -1 no destination, -3 a folder
-  // cannot be made, -402 the tool cannot be started.
+  // UnzipFolder() (emptied first) for an XML package, whose configuration is
+  // then switched to the XML to CSV conversion.  Codes: -1 no destination,
+  // -3 a folder cannot be made or is not ours alone, -402 the tool cannot be
+  // started.
   void Unpack();
 
   // <root>unzip and <root>conv, root being the work root or else the
@@ -64,6 +70,8 @@ class QvConvPackageInput {
   bool answer_ = false;
   bool probed_ = false;
   std::unique_ptr<platform::FileLock> unzip_lock_;
+  std::unique_ptr<platform::PrivateFolder> unzip_;
+  std::unique_ptr<platform::PrivateFolder> conv_;
 };
 
 }  // namespace quorvane::qvconv::converter

@@ -4,6 +4,7 @@
 #include <ctime>
 
 #include "platform/file_system.h"
+#include "platform/private_folder.h"
 #include "platform/system_info.h"
 
 namespace quorvane::qvconv::converter {
@@ -30,7 +31,10 @@ std::u16string MakeWorkFolder(const std::u16string& root, const std::u16string& 
     const std::u16string temp = platform::TempDirectory();
     if (temp.empty()) return {};
     base = temp + name;
-    platform::MakeDirectory(base);  // usually there already
+    // Usually there already.  Its name is fixed in a folder that others may
+    // write: one that is not ours alone is never used.
+    const platform::SharedFolder shared(temp);
+    if (platform::PrivateFolder(shared, name).status() != platform::FixedName::kReady) return {};
   } else {
     base = root;
   }

@@ -114,29 +114,5 @@ TEST(SystemInfo, TempFolderUuidAndLocale) {
   EXPECT_EQ(MessageLocaleName(), "C");
 }
 
-TEST(SystemInfo, FileLockIsExclusiveBetweenProcesses) {
-  ScratchDir dir;
-  const std::string lock_file = dir.path() + "/lock";
-  {
-    FileLock lock(U16(lock_file));
-    ASSERT_TRUE(lock.held());
-    // flock(1) in another process must not get the lock while we hold it.
-    EXPECT_NE(qvtest::Run({"flock", "-n", lock_file, "true"}).status, 0);
-  }
-  // Let go, the file is gone: nothing is left in the temporary folder.
-  EXPECT_FALSE(qvtest::Exists(lock_file));
-
-  // A run that waited on a file that its holder (another process) then removed and let go must not count
-  // that lock as its own: it takes the file that the name stands for now.
-  auto holder = qvtest::Run({"sh", "-c",
-                             "flock \"$0\" sh -c 'touch \"$0.held\"; sleep 0.3; rm \"$0\"' \"$0\" &"
-                             "while [ ! -e \"$0.held\" ]; do sleep 0.01; done", lock_file});
-  ASSERT_EQ(holder.status, 0);
-  FileLock lock(U16(lock_file));
-  ASSERT_TRUE(lock.held());
-  EXPECT_TRUE(qvtest::Exists(lock_file));
-  EXPECT_NE(qvtest::Run({"flock", "-n", lock_file, "true"}).status, 0);
-}
-
 }  // namespace
 }  // namespace quorvane::platform

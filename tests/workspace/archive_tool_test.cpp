@@ -1,6 +1,7 @@
 #include "workspace/archive_tool.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <string>
@@ -24,10 +25,10 @@ class ArchiveTool : public testing::Test {
     return scratch_.Sub(name);
   }
 
-  // Probes, then empties the probe folder as the package input does.
+  // Probes; the probe folder and its lock are gone afterwards.
   bool Probe(const std::string& zip) {
     const bool answer = ProbeArchive(U16(zip));
-    qvtest::RemoveAll(scratch_.Sub("tmp/chktemp"));
+    EXPECT_EQ(qvtest::ListDir(scratch_.Sub("tmp")), std::vector<std::string>{}) << zip;
     return answer;
   }
 
@@ -42,6 +43,16 @@ TEST_F(ArchiveTool, ProbeTellsPackagesFromPlainArchives) {
   EXPECT_FALSE(Probe(scratch_.Sub("missing.zip")));
   // A folder named like the marker file is no package.
   EXPECT_FALSE(Probe(Zip("s.zip", "QvFormat/QvS.xml/inner.txt")));
+}
+
+// What a killed probe left in the probe folder, read-only and oddly named parts
+// included, cannot make a plain archive look like a package.
+TEST_F(ArchiveTool, LeftoversOfAKilledProbeDoNotCount) {
+  const std::string left = scratch_.Sub("tmp/chktemp");
+  qvtest::WriteFile(left + "/QvFormat/QvS.xml", "<s/>");
+  qvtest::WriteFile(left + "/QvFormat/\xff.xml", "");
+  ::chmod((left + "/QvFormat").c_str(), 0500);
+  EXPECT_FALSE(Probe(Zip("q.zip", "QvFormat/other.xml")));
 }
 
 // Paths that look like switches stay paths; without the tool the pack fails.

@@ -30,6 +30,8 @@ TEST(DeleteTree, RemovesEverythingReadOnlyIncludedButNeverFollowsLinks) {
 
   EXPECT_FALSE(DeleteTree(U16(top)));  // no longer there
   EXPECT_FALSE(DeleteTree(U16(outside + "/keep.txt")));  // no folder
+  ASSERT_EQ(::symlink(outside.c_str(), top.c_str()), 0);
+  EXPECT_FALSE(DeleteTree(U16(top)));  // a link, not followed
   EXPECT_TRUE(qvtest::Exists(outside + "/keep.txt"));
 }
 

@@ -1,0 +1,237 @@
+// Fixed names in a shared folder (private folders and lock files): whatever someone planted under
+// the name beforehand is refused and left exactly as it was, and so is what it points to; a free
+// name is made ours alone.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/file_lock.h"
+#include "platform/private_folder.h"
+#include "tests/support/test_support.h"
+
+namespace quorvane::platform {
+namespace {
+
+using qvtest::ScratchDir;
+using qvtest::U16;
+using qvtest::U8;
+
+constexpr uid_t kOtherUser = 65534;
+
+class FixedNames : public testing::Test {
+ protected:
+  FixedNames() {
+    qvtest::MakeDirs(shared_);
+    qvtest::WriteFile(victim_ + "/keep.txt", "keep");
+    qvtest::WriteFile(victim_file_, "victim");
+  }
+
+  bool VictimIntact() {
+    return qvtest::ListDir(victim_) == std::vector<std::string>{"keep.txt"} &&
+           qvtest::ReadFile(victim_ + "/keep.txt") == "keep" &&
+           qvtest::ReadFile(victim_file_) == "victim" && !qvtest::Exists(scratch_.Sub("missing"));
+  }
+
+  // The kind and inode of what stands under a name, to see that it was left alone.
+  std::string Identity(const std::string& path) {
+    struct stat st;
+    if (::lstat(path.c_str(), &st) != 0) return "none";
+    return std::to_string(st.st_mode) + ":" + std::to_string(st.st_ino) + ":" +
+           std::to_string(st.st_uid);
+  }
+
+  ScratchDir scratch_;
+  std::string shared_ = scratch_.Sub("shared"), victim_ = scratch_.Sub("victim");
+  std::string victim_file_ = scratch_.Sub("victim.txt"), name_ = shared_ + "/fixed";
+};
+
+struct Planting {
+  const char* what;
+  std::function<bool(const std::string& at, const std::string& victim, const std::string& file)>
+      plant;
+  bool folder_ready, lock_ready;
+  bool needs_root = false;
+};
+
+bool Made(int result) { return result == 0; }
+
+const std::vector<Planting> kPlantings = {
+    {"own folder", [](auto& at, auto&, auto&) { return Made(::mkdir(at.c_str(), 0755)); }, true,
+     false},
+    {"own file", [](auto& at, auto&, auto&) { return Made(::close(::creat(at.c_str(), 0644))); },
+     false, true},
+    {"link to a folder",
+     [](auto& at, auto& v, auto&) { return Made(::symlink(v.c_str(), at.c_str())); }, false, false},
+    {"link to a file",
+     [](auto& at, auto&, auto& f) { return Made(::symlink(f.c_str(), at.c_str())); }, false, false},
+    {"dangling link",
+     [](auto& at, auto& v, auto&) {
+       return Made(::symlink((v + "/../missing").c_str(), at.c_str()));
+     },
+     false, false},
+    {"hard link to a file",
+     [](auto& at, auto&, auto& f) { return Made(::link(f.c_str(), at.c_str())); }, false, false},
+    {"folder writable by others",
+     [](auto& at, auto&, auto&) {
+       return Made(::mkdir(at.c_str(), 0700)) && Made(::chmod(at.c_str(), 0777));
+     },
+     false, false},
+    {"file writable by the group",
+     [](auto& at, auto&, auto&) {
+       return Made(::close(::creat(at.c_str(), 0600))) && Made(::chmod(at.c_str(), 0620));
+     },
+     false, false},
+    {"pipe", [](auto& at, auto&, auto&) { return Made(::mkfifo(at.c_str(), 0600)); }, false, false},
+    {"folder of another user",
+     [](auto& at, auto&, auto&) {
+       return Made(::mkdir(at.c_str(), 0700)) && Made(::chown(at.c_str(), kOtherUser, -1));
+     },
+     false, false, true},
+    {"file of another user",
+     [](auto& at, auto&, auto&) {
+       return Made(::close(::creat(at.c_str(), 0600))) && Made(::chown(at.c_str(), kOtherUser, -1));
+     },
+     false, false, true},
+};
+
+TEST_F(FixedNames, PlantedNamesAreRefusedAndLeftAlone) {
+  const SharedFolder shared(U16(shared_));
+  ASSERT_EQ(shared.status(), FixedName::kReady);
+  for (const Planting& p : kPlantings) {
+    if (p.needs_root && ::geteuid() != 0) continue;  // no other user's files can be made
+    for (const bool as_lock : {false, true}) {
+      ASSERT_TRUE(p.plant(name_, victim_, victim_file_)) << p.what;
+      const std::string before = Identity(name_);
+      const bool ready = as_lock ? p.lock_ready : p.folder_ready;
+      if (as_lock) {
+        const FileLock lock(shared, u"fixed");
+        EXPECT_EQ(lock.status(), ready ? FixedName::kReady : FixedName::kUnsafe) << p.what;
+      } else {
+        PrivateFolder folder(shared, u"fixed");
+        EXPECT_EQ(folder.status(), ready ? FixedName::kReady : FixedName::kUnsafe) << p.what;
+        EXPECT_EQ(folder.ChildPath().empty(), !ready) << p.what;
+        EXPECT_EQ(folder.Empty(), ready) << p.what;
+      }
+      // A lock that was had takes its file with it; anything refused stays as it was.
+      EXPECT_EQ(Identity(name_), ready && as_lock ? "none" : before)
+          << p.what << (as_lock ? " lock" : "");
+      EXPECT_TRUE(VictimIntact()) << p.what;
+      qvtest::RemoveAll(name_);
+    }
+  }
+}
+
+TEST_F(FixedNames, FreeNamesAreMadeOursAlone) {
+  const SharedFolder shared(U16(shared_));
+  {
+    PrivateFolder folder(shared, u"fixed");
+    ASSERT_EQ(folder.status(), FixedName::kReady);
+    struct stat st;
+    ASSERT_EQ(::stat(name_.c_str(), &st), 0);
+    EXPECT_EQ(st.st_mode & 07777, 0700u);
+    // A child process reaches this very folder, even once its name stands for something else.
+    ASSERT_EQ(::rename(name_.c_str(), (name_ + ".moved").c_str()), 0);
+    ASSERT_EQ(::symlink(victim_.c_str(), name_.c_str()), 0);
+    EXPECT_EQ(qvtest::Run({"sh", "-c", "echo x > \"$0/made\"", U8(folder.ChildPath())}).status, 0);
+    EXPECT_EQ(qvtest::ReadFile(name_ + ".moved/made"), "x\n");
+    EXPECT_FALSE(folder.Remove());  // the name is no longer ours: neither it nor the link goes
+    EXPECT_TRUE(qvtest::Exists(name_ + ".moved"));
+    ::unlink(name_.c_str());
+    ASSERT_EQ(::rename((name_ + ".moved").c_str(), name_.c_str()), 0);
+    EXPECT_TRUE(folder.Remove());
+    EXPECT_FALSE(qvtest::Exists(name_));
+  }
+  {
+    const FileLock lock(shared, u"fixed.lock");
+    ASSERT_TRUE(lock.held());
+    struct stat st;
+    ASSERT_EQ(::stat((name_ + ".lock").c_str(), &st), 0);
+    EXPECT_EQ(st.st_mode & 07777, 0600u);
+    EXPECT_EQ(st.st_size, 0);
+  }
+  EXPECT_FALSE(qvtest::Exists(name_ + ".lock"));
+  EXPECT_TRUE(VictimIntact());
+}
+
+// The shared folder may be shared with its sticky bit; anyone may write it without: then it holds
+// nothing of ours.
+TEST_F(FixedNames, SharedFolderThatAnyoneMayRearrangeIsRefused) {
+  const struct {
+    mode_t mode;
+    FixedName expected;
+  } cases[] = {{0755, FixedName::kReady},
+               {01777, FixedName::kReady},
+               {0770, FixedName::kReady},
+               {0777, FixedName::kUnsafe},
+               {0703, FixedName::kUnsafe}};
+  for (const auto& c : cases) {
+    ASSERT_EQ(::chmod(shared_.c_str(), c.mode), 0);
+    const SharedFolder shared(U16(shared_));
+    EXPECT_EQ(shared.status(), c.expected) << std::oct << c.mode;
+    EXPECT_EQ(PrivateFolder(shared, u"fixed").status(), c.expected) << std::oct << c.mode;
+    EXPECT_EQ(FileLock(shared, u"fixed.lock").status(), c.expected) << std::oct << c.mode;
+    EXPECT_EQ(qvtest::Exists(name_), c.expected == FixedName::kReady);
+    qvtest::RemoveAll(name_);
+  }
+  EXPECT_EQ(SharedFolder(U16(scratch_.Sub("missing"))).status(), FixedName::kUnavailable);
+  EXPECT_EQ(PrivateFolder(SharedFolder(U16(scratch_.Sub("missing"))), u"x").status(),
+            FixedName::kUnavailable);
+}
+
+TEST_F(FixedNames, PlainFileInsideIsReachedWithoutLinks) {
+  const SharedFolder shared(U16(shared_));
+  PrivateFolder folder(shared, u"fixed");
+  const std::string elsewhere = scratch_.Sub("elsewhere"), marker = name_ + "/QvFormat/QvS.xml";
+  qvtest::WriteFile(elsewhere + "/QvS.xml", "<s/>");
+  auto inner = [&] { qvtest::MakeDirs(name_ + "/QvFormat"); };
+  const std::vector<std::pair<const char*, std::function<void()>>> cases = {
+      {"link to a file",
+       [&] { inner(), ::symlink((elsewhere + "/QvS.xml").c_str(), marker.c_str()); }},
+      {"folder", [&] { qvtest::MakeDirs(marker); }},
+      {"pipe", [&] { inner(), ::mkfifo(marker.c_str(), 0600); }},
+      {"folder is a link", [&] { ::symlink(elsewhere.c_str(), (name_ + "/QvFormat").c_str()); }},
+      {"missing", inner},
+  };
+  for (const auto& [what, make] : cases) {
+    make();
+    EXPECT_FALSE(folder.HasPlainFile(u"QvFormat/QvS.xml")) << what;
+    EXPECT_TRUE(folder.Empty()) << what;
+  }
+  qvtest::WriteFile(marker, "");
+  EXPECT_TRUE(folder.HasPlainFile(u"QvFormat/QvS.xml"));
+  EXPECT_EQ(qvtest::ReadFile(elsewhere + "/QvS.xml"), "<s/>");
+}
+
+TEST_F(FixedNames, LockIsExclusiveBetweenProcesses) {
+  const SharedFolder shared(U16(shared_));
+  const std::string lock_file = shared_ + "/lock";
+  {
+    FileLock lock(shared, u"lock");
+    ASSERT_TRUE(lock.held());
+    // flock(1) in another process must not get the lock while we hold it.
+    EXPECT_NE(qvtest::Run({"flock", "-n", lock_file, "true"}).status, 0);
+  }
+  // Let go, the file is gone: nothing is left in the shared folder.
+  EXPECT_FALSE(qvtest::Exists(lock_file));
+
+  // A run that waited on a file that its holder (another process) then removed and let go must not
+  // count that lock as its own: it takes the file that the name stands for now.
+  auto holder = qvtest::Run(
+      {"sh", "-c",
+       "umask 077; flock \"$0\" sh -c 'touch \"$0.held\"; sleep 0.3; rm \"$0\"' \"$0\" &"
+       "while [ ! -e \"$0.held\" ]; do sleep 0.01; done",
+       lock_file});
+  ASSERT_EQ(holder.status, 0);
+  FileLock lock(shared, u"lock");
+  ASSERT_TRUE(lock.held());
+  EXPECT_TRUE(qvtest::Exists(lock_file));
+  EXPECT_NE(qvtest::Run({"flock", "-n", lock_file, "true"}).status, 0);
+}
+
+}  // namespace
+}  // namespace quorvane::platform
