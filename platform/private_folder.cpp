@@ -8,6 +8,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/extracted_names.h"
 #include "platform/file_system.h"
 #include "platform/system_path.h"
 #include "platform/tree_removal.h"
@@ -93,28 +94,10 @@ std::u16string PrivateFolder::ChildPath() const {
   return PathFromNative("/proc/self/fd/" + std::to_string(fd_));
 }
 
+bool PrivateFolder::FixExtractedNames() { return fd_ >= 0 && FixExtractedNamesAt(fd_); }
+
 bool PrivateFolder::HasPlainFile(std::u16string_view relative) const {
-  if (fd_ < 0) return false;
-  const std::string path = NativePath(relative);
-  int folder = ::fcntl(fd_, F_DUPFD_CLOEXEC, 0);
-  std::size_t start = 0;
-  for (std::size_t slash; folder >= 0 && (slash = path.find('/', start)) != path.npos;) {
-    const int next = ::openat(folder, path.substr(start, slash - start).c_str(),
-                              O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-    ::close(folder);
-    folder = next;
-    start = slash + 1;
-  }
-  if (folder < 0) return false;
-  // Non-blocking, so that a pipe of that name cannot hold the run.
-  const int file = ::openat(folder, path.c_str() + start,
-                            O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-  ::close(folder);
-  if (file < 0) return false;
-  struct stat st;
-  const bool plain = ::fstat(file, &st) == 0 && S_ISREG(st.st_mode);
-  ::close(file);
-  return plain;
+  return fd_ >= 0 && HasPlainFileAnyCase(fd_, NativePath(relative));
 }
 
 }  // namespace quorvane::platform

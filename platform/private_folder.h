@@ -70,8 +70,14 @@ class PrivateFolder {
   // the object lives (the descriptor is inherited).  Empty unless ready.
   std::u16string ChildPath() const;
 
+  // Settles the names that the archive tool extracted into the folder, as
+  // 7-Zip on Japanese Windows makes them (platform/extracted_names.h).  True
+  // if every name could be settled.
+  bool FixExtractedNames();
+
   // Is `relative` ("QvFormat/QvS.xml") in the folder a plain file that opens
-  // for reading, reached without following a link?
+  // for reading, reached without following a link?  Its parts match names in
+  // any case of their ASCII letters, as on NTFS; the exact spelling first.
   bool HasPlainFile(std::u16string_view relative) const;
 
  private:

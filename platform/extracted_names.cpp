@@ -1,0 +1,407 @@
+#include "platform/extracted_names.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <stdio.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/system_path.h"
+#include "platform/text_codec.h"
+
+namespace quorvane::platform {
+namespace {
+
+// So many folders of one walk stay open at most; those above are opened again
+// on the way back.
+constexpr std::size_t kOpenFolders = 16;
+
+constexpr int kFolderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+
+// Each round over a folder takes one level of nameless folders apart (see
+// Merge), so only a hostile tree needs more than two.
+constexpr int kRounds = 4096;
+
+enum class Kind {
+  kMissing,  // no such name, or a link or special entry that was just removed
+  kFolder,
+  kFile,
+  kBlocked,  // there, but it cannot be looked at or removed
+};
+
+// What `name` in `folder` is.  A link, pipe, socket or device is removed on
+// sight.
+Kind Settle(int folder, const std::string& name) {
+  struct stat st;
+  if (::fstatat(folder, name.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) {
+    return errno == ENOENT ? Kind::kMissing : Kind::kBlocked;
+  }
+  if (S_ISDIR(st.st_mode)) return Kind::kFolder;
+  if (S_ISREG(st.st_mode)) return Kind::kFile;
+  return ::unlinkat(folder, name.c_str(), 0) == 0 ? Kind::kMissing : Kind::kBlocked;
+}
+
+// The names in an open folder, "." and ".." left out, sorted by their bytes so
+// that the outcome does not hang on the order of the listing.
+bool ReadNames(int folder, std::vector<std::string>* names) {
+  const int copy = ::fcntl(folder, F_DUPFD_CLOEXEC, 0);
+  if (copy < 0) return false;
+  DIR* dir = ::fdopendir(copy);
+  if (dir == nullptr) {
+    ::close(copy);
+    return false;
+  }
+  // The copy shares its reading position with `folder`: start from the top.
+  ::rewinddir(dir);
+  errno = 0;
+  while (const dirent* entry = ::readdir(dir)) {
+    const std::string name = entry->d_name;
+    if (name != "." && name != "..") names->push_back(name);
+  }
+  const bool complete = errno == 0;
+  ::closedir(dir);
+  std::sort(names->begin(), names->end());
+  return complete;
+}
+
+// Opens the folder `name` in `parent`, never through a link, and gives its
+// owner all rights on it: its entries are to be renamed, and it may move to
+// another folder (which changes its "..").  A folder that may not be read is
+// reached through a handle that reads nothing (the /proc name of that handle
+// is the folder itself).
+int OpenFolder(int parent, const std::string& name) {
+  int fd = ::openat(parent, name.c_str(), kFolderFlags);
+  if (fd < 0 && errno == EACCES) {
+    const int place =
+        ::openat(parent, name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    if (place < 0) return -1;
+    ::chmod(("/proc/self/fd/" + std::to_string(place)).c_str(), S_IRWXU);
+    fd = ::openat(place, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ::close(place);
+  }
+  struct stat st;
+  if (fd >= 0 && ::fstat(fd, &st) == 0 && (st.st_mode & S_IRWXU) != S_IRWXU) {
+    ::fchmod(fd, (st.st_mode & 07777) | S_IRWXU);
+  }
+  return fd;
+}
+
+// Well-formed UTF-8 is just what survives the way to UTF-16 and back.
+bool IsUtf8(std::string_view bytes) { return Utf8FromUtf16(Utf16FromUtf8(bytes)) == bytes; }
+
+bool IsAsciiLetter(char16_t c) { return (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z'); }
+
+// The parts of the path that the name of an entry stands for, each a name in
+// UTF-8 that neither is empty, "." or ".." nor holds a "\".  Empty for a
+// folder that stands for its parent.  `top`: the entry is at the top of the
+// extraction, where a drive may stand in front.
+std::vector<std::string> Parts(const std::string& name, bool top, bool file) {
+  std::u16string text = IsUtf8(name) ? Utf16FromUtf8(name) : Utf16FromCp932(name);
+  if (top) {
+    const std::size_t first = std::min(text.find_first_not_of(u'\\'), text.size());
+    if (text.size() - first >= 2 && IsAsciiLetter(text[first]) && text[first + 1] == u':') {
+      text.erase(first, 2);
+    }
+  }
+  std::vector<std::string> parts;
+  bool named = false;  // the last part is a name
+  for (std::size_t start = 0;;) {
+    const std::size_t end = text.find(u'\\', start);
+    const std::u16string_view part = std::u16string_view(text).substr(start, end - start);
+    named = !part.empty() && part != u"." && part != u"..";
+    if (named) parts.push_back(Utf8FromUtf16(part));
+    if (end == std::u16string::npos) break;
+    start = end + 1;
+  }
+  // A file keeps a name of its own: the archive tool calls a file "_" whose
+  // last part is no name.
+  if (file && !named) parts.push_back("_");
+  return parts;
+}
+
+// The first name of the archive tool's renaming form ("a.txt", "a_1.txt",
+// "a_2.txt", ...) that is free in `folder`, or is a folder when `folder_will_do`.
+// Empty when the names grow too long.
+std::string Unoccupied(int folder, const std::string& name, bool folder_will_do) {
+  std::size_t dot = name.rfind('.');
+  if (dot == std::string::npos || dot == 0) dot = name.size();
+  for (unsigned n = 0;; ++n) {
+    const std::string candidate =
+        n == 0 ? name : name.substr(0, dot) + "_" + std::to_string(n) + name.substr(dot);
+    if (candidate.size() > NAME_MAX) return {};
+    const Kind kind = Settle(folder, candidate);
+    if (kind == Kind::kMissing || (folder_will_do && kind == Kind::kFolder)) return candidate;
+  }
+}
+
+// A free name made of "\" alone, which stands for the folder it is in.
+std::string FreeNameless(int folder) {
+  for (std::size_t length = 1; length <= NAME_MAX; ++length) {
+    std::string name(length, '\\');
+    if (Settle(folder, name) == Kind::kMissing) return name;
+  }
+  return {};
+}
+
+// Renames `name` in `from` to the free name `target` in `to`, never replacing
+// anything.
+bool Move(int from, const std::string& name, Kind kind, int to, const std::string& target) {
+  if (target.empty()) return false;
+  for (int attempt = 0; attempt < 2; ++attempt) {
+    if (::renameat2(from, name.c_str(), to, target.c_str(), RENAME_NOREPLACE) == 0) return true;
+    if (errno == EINVAL) {
+      // A file system that cannot rename without replacing: look first.
+      struct stat st;
+      if (::fstatat(to, target.c_str(), &st, AT_SYMLINK_NOFOLLOW) == 0 || errno != ENOENT) {
+        return false;
+      }
+      if (::renameat(from, name.c_str(), to, target.c_str()) == 0) return true;
+    }
+    if (errno != EACCES || kind != Kind::kFolder) return false;
+    const int fd = OpenFolder(from, name);  // its owner's rights, and again
+    if (fd < 0) return false;
+    ::close(fd);
+  }
+  return false;
+}
+
+// The folders `parts` but the last below `to`, made where missing, opened.  A
+// file in the way is passed by: the next free name of the renaming form is
+// used for the folder.  -1 on failure.
+int MakeFolders(int to, const std::vector<std::string>& parts) {
+  int folder = ::fcntl(to, F_DUPFD_CLOEXEC, 0);
+  for (std::size_t i = 0; folder >= 0 && i + 1 < parts.size(); ++i) {
+    const std::string name = Unoccupied(folder, parts[i], true);
+    if (!name.empty()) ::mkdirat(folder, name.c_str(), 0777);
+    const int next = name.empty() ? -1 : OpenFolder(folder, name);
+    ::close(folder);
+    folder = next;
+  }
+  return folder;
+}
+
+bool Merge(int from, const std::string& name, int to);
+
+// Moves the entry `name` of `from` to the path `parts` below `to`.
+bool Place(int from, const std::string& name, Kind kind, const std::vector<std::string>& parts,
+           int to) {
+  for (const std::string& part : parts) {
+    if (part.size() > NAME_MAX) return false;  // keeps its bytes
+  }
+  if (parts.empty()) return Merge(from, name, to);
+  const int folder = MakeFolders(to, parts);
+  if (folder < 0) return false;
+  const std::string& last = parts.back();
+  bool moved = false;
+  if (kind == Kind::kFolder && Settle(folder, last) == Kind::kFolder) {
+    // Two folders of one name become one: the newcomer goes in without a name
+    // of its own, and its entries join the others when that folder's turn
+    // comes.
+    const int inner = OpenFolder(folder, last);
+    moved = inner >= 0 && Move(from, name, kind, inner, FreeNameless(inner));
+    if (inner >= 0) ::close(inner);
+  } else {
+    moved = Move(from, name, kind, folder, Unoccupied(folder, last, false));
+  }
+  ::close(folder);
+  return moved;
+}
+
+// Takes the folder `name` of `from` apart: its entries go to `to`, each where
+// its own name says, and the folder goes.  A folder inside without a name of
+// its own moves to `to` as it is, to be taken apart in the next round.
+bool Merge(int from, const std::string& name, int to) {
+  const int folder = OpenFolder(from, name);
+  std::vector<std::string> names;
+  bool settled = folder >= 0 && ReadNames(folder, &names);
+  for (const std::string& entry : names) {
+    const Kind kind = Settle(folder, entry);
+    if (kind == Kind::kMissing) continue;
+    if (kind == Kind::kBlocked) {
+      settled = false;
+      continue;
+    }
+    const std::vector<std::string> parts = Parts(entry, false, kind == Kind::kFile);
+    settled = (parts.empty() ? Move(folder, entry, kind, to, FreeNameless(to))
+                             : Place(folder, entry, kind, parts, to)) &&
+              settled;
+  }
+  if (folder >= 0) ::close(folder);
+  return settled && ::unlinkat(from, name.c_str(), AT_REMOVEDIR) == 0;
+}
+
+// Settles the names of one open folder, not those below its subfolders.
+bool SettleFolder(int folder, bool top) {
+  for (int round = 0; round < kRounds; ++round) {
+    std::vector<std::string> names;
+    if (!ReadNames(folder, &names)) return false;
+    bool settled = true, moved = false;
+    for (const std::string& name : names) {
+      const Kind kind = Settle(folder, name);
+      if (kind == Kind::kMissing) continue;
+      if (kind == Kind::kBlocked) {
+        settled = false;
+        continue;
+      }
+      const std::vector<std::string> parts = Parts(name, top, kind == Kind::kFile);
+      if (parts.size() == 1 && parts[0] == name) continue;
+      if (Place(folder, name, kind, parts, folder)) {
+        moved = true;
+      } else {
+        settled = false;
+      }
+    }
+    if (!moved) return settled;
+  }
+  return false;
+}
+
+// One folder on the way down.
+struct Level {
+  int fd = -1;  // -1 while closed to spare descriptors
+  dev_t device = 0;
+  ino_t inode = 0;
+  std::vector<std::string> folders;  // its subfolders, once its own names are settled
+  std::size_t next = 0;              // those before it are done
+};
+
+// The settling of a whole tree, one folder at a time from the top: a folder's
+// own names first, then each of its subfolders.  Whatever moves, moves within
+// the folder that is being settled, so every name comes to be settled.
+class Walk {
+ public:
+  Walk() = default;
+  ~Walk() {
+    for (const Level& level : levels_) {
+      if (level.fd >= 0) ::close(level.fd);
+    }
+  }
+  Walk(const Walk&) = delete;
+  Walk& operator=(const Walk&) = delete;
+
+  bool Run(int folder) {
+    const int top = ::fcntl(folder, F_DUPFD_CLOEXEC, 0);
+    if (top < 0) return false;
+    Enter(top);
+    while (!levels_.empty()) {
+      Level& level = levels_.back();
+      if (level.next == level.folders.size()) {
+        if (!Leave()) return false;
+        continue;
+      }
+      const int child = OpenFolder(level.fd, level.folders[level.next++]);
+      if (child < 0) {
+        settled_ = false;
+        continue;
+      }
+      Enter(child);
+    }
+    return settled_;
+  }
+
+ private:
+  void Enter(int fd) {
+    const bool top = levels_.empty();
+    levels_.push_back({});
+    Level& level = levels_.back();
+    level.fd = fd;
+    struct stat st;
+    if (::fstat(fd, &st) == 0) level.device = st.st_dev, level.inode = st.st_ino;
+    settled_ = SettleFolder(fd, top) && settled_;
+    std::vector<std::string> names;
+    settled_ = ReadNames(fd, &names) && settled_;
+    for (std::string& name : names) {
+      if (Settle(fd, name) == Kind::kFolder) level.folders.push_back(std::move(name));
+    }
+    if (levels_.size() > kOpenFolders) {
+      Level& far = levels_[levels_.size() - 1 - kOpenFolders];
+      if (far.fd >= 0) ::close(std::exchange(far.fd, -1));
+    }
+  }
+
+  // The deepest folder is done: back to its parent, which must be the very
+  // folder that was left.
+  bool Leave() {
+    const Level done = std::move(levels_.back());
+    levels_.pop_back();
+    bool same = true;
+    if (!levels_.empty() && levels_.back().fd < 0) {
+      Level& parent = levels_.back();
+      parent.fd = ::openat(done.fd, "..", kFolderFlags);
+      struct stat st;
+      same = parent.fd >= 0 && ::fstat(parent.fd, &st) == 0 && st.st_dev == parent.device &&
+             st.st_ino == parent.inode;
+    }
+    ::close(done.fd);
+    return same;
+  }
+
+  std::vector<Level> levels_;
+  bool settled_ = true;
+};
+
+bool SameIgnoringAsciiCase(std::string_view a, std::string_view b) {
+  auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+  return a.size() == b.size() &&
+         std::equal(a.begin(), a.end(), b.begin(), [&](char x, char y) {
+           return lower(x) == lower(y);
+         });
+}
+
+bool IsPlainFile(int folder, const std::string& name) {
+  // Non-blocking, so that a pipe of that name cannot hold the run.
+  const int file =
+      ::openat(folder, name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+  if (file < 0) return false;
+  struct stat st;
+  const bool plain = ::fstat(file, &st) == 0 && S_ISREG(st.st_mode);
+  ::close(file);
+  return plain;
+}
+
+}  // namespace
+
+bool FixExtractedNamesAt(int folder) { return Walk().Run(folder); }
+
+bool FixExtractedNames(std::u16string_view path) {
+  const int folder = ::open(SystemPath(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (folder < 0) return false;
+  const bool settled = FixExtractedNamesAt(folder);
+  ::close(folder);
+  return settled;
+}
+
+bool HasPlainFileAnyCase(int folder, std::string_view relative) {
+  const std::size_t slash = relative.find('/');
+  const std::string wanted(relative.substr(0, slash));
+  std::vector<std::string> spellings = {wanted}, names;
+  ReadNames(folder, &names);  // unreadable: the exact spelling alone
+  for (std::string& name : names) {
+    if (name != wanted && SameIgnoringAsciiCase(name, wanted)) spellings.push_back(std::move(name));
+  }
+  for (const std::string& name : spellings) {
+    if (slash == std::string_view::npos) {
+      if (IsPlainFile(folder, name)) return true;
+      continue;
+    }
+    int next = ::openat(folder, name.c_str(), kFolderFlags);
+    // A folder that may not be read is still passed through by its exact name.
+    if (next < 0 && errno == EACCES) {
+      next = ::openat(folder, name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    }
+    if (next < 0) continue;
+    const bool found = HasPlainFileAnyCase(next, relative.substr(slash + 1));
+    ::close(next);
+    if (found) return true;
+  }
+  return false;
+}
+
+}  // namespace quorvane::platform

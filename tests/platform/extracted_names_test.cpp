@@ -1,0 +1,159 @@
+// Names of an extracted archive settled as 7-Zip on Japanese Windows makes them: code page 932
+// names decoded, "\" made into folders, nothing climbing out, no link kept, no entry lost where
+// names meet; and a tree of any depth settled with few descriptors.
+#include "platform/extracted_names.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "tests/support/test_support.h"
+
+namespace quorvane::platform {
+namespace {
+
+namespace fs = std::filesystem;
+using qvtest::Cp932;
+
+// An entry as the archive tool left it: a file with `data`, a folder ('d'), a link to `data`
+// ('l') or a pipe ('p').  "/" in `path` is a real folder.
+struct Planted {
+  std::string path, data;
+  char kind = 'f';
+};
+
+// Every entry below `top`: "folder/", "file=data", "link@", "other?", sorted.
+std::vector<std::string> Tree(const std::string& top) {
+  std::vector<std::string> out;
+  std::error_code ec;
+  for (auto it = fs::recursive_directory_iterator(top, ec); !ec && it != fs::end(it);
+       it.increment(ec)) {
+    const std::string path = fs::relative(it->path(), top).string();
+    const fs::file_status status = it->symlink_status();
+    if (fs::is_symlink(status)) {
+      out.push_back(path + "@");
+    } else if (fs::is_directory(status)) {
+      out.push_back(path + "/");
+    } else if (fs::is_regular_file(status)) {
+      out.push_back(path + "=" + qvtest::ReadFile(it->path().string()));
+    } else {
+      out.push_back(path + "?");
+    }
+  }
+  std::sort(out.begin(), out.end());
+  return out;
+}
+
+class ExtractedNames : public testing::Test {
+ protected:
+  ExtractedNames() { qvtest::WriteFile(outside_ + "/keep.txt", "keep"); }
+
+  void Plant(const std::vector<Planted>& entries) {
+    qvtest::RemoveAll(top_);
+    qvtest::MakeDirs(top_);
+    for (const auto& [path, data, kind] : entries) {
+      const std::string at = top_ + "/" + path;
+      qvtest::MakeDirs(fs::path(at).parent_path().string());
+      if (kind == 'd') qvtest::MakeDirs(at);
+      if (kind == 'f') qvtest::WriteFile(at, data);
+      const int made = kind == 'l' ? ::symlink(data.c_str(), at.c_str())
+                       : kind == 'p' ? ::mkfifo(at.c_str(), 0600)
+                                     : 0;
+      ASSERT_EQ(made, 0) << path;
+    }
+  }
+
+  qvtest::ScratchDir scratch_;
+  std::string outside_ = scratch_.Sub("outside"), top_ = scratch_.Sub("top");
+};
+
+TEST_F(ExtractedNames, NamesBecomeWhatWindowsMakesOfThem) {
+  const struct {
+    const char* what;
+    std::vector<Planted> planted;
+    std::vector<std::string> settled;
+    bool complete = true;
+  } cases[] = {
+      {"code page 932 and UTF-8",
+       {{Cp932("ニュース番組/平日.csv"), "a"}, {Cp932("表.txt"), "b"},  // 表 ends in 0x5C
+        {"ロゴ.png", "c"}, {Cp932("ﾃｽﾄ"), "d"}},                         // C3 BD C4: UTF-8 in part
+       {"ニュース番組/", "ニュース番組/平日.csv=a", "ロゴ.png=c", "表.txt=b", "ﾃｽﾄ=d"}},
+      {"backslashes between folders",
+       {{"QvFormat\\QvS.xml", "s"}, {"QvFormat\\QvT\\TM1.xml", "t"}, {"QvFormat\\QvP\\", "", 'd'},
+        {"x\\y/z.txt", "z"}, {Cp932("a\\表\\b.txt"), "d"}},
+       {"QvFormat/", "QvFormat/QvP/", "QvFormat/QvS.xml=s", "QvFormat/QvT/",
+        "QvFormat/QvT/TM1.xml=t", "a/", "a/表/", "a/表/b.txt=d", "x/", "x/y/", "x/y/z.txt=z"}},
+      {"nothing climbs out",
+       {{"..\\..\\x1", "1"}, {"C:\\x2", "2"}, {"\\x3", "3"}, {"C:x4", "4"},
+        {"\\\\srv\\share\\x5", "5"}, {".\\x6", "6"}, {"sub/..\\..\\x7", "7"},
+        {"sub/C:\\x8", "8"}, {"q:/x9", "9"}, {"f\\..", "10"}, {"\\", "11"}},
+       {"_=11", "f/", "f/_=10", "srv/", "srv/share/", "srv/share/x5=5", "sub/", "sub/C:/",
+        "sub/C:/x8=8", "sub/x7=7", "x1=1", "x2=2", "x3=3", "x4=4", "x6=6", "x9=9"}},
+      {"taken names lose nothing",
+       {{"a/b.txt", "1"}, {"a\\b.txt", "2"}, {"f", "3"}, {"f\\g", "4"}, {"d/e/g.txt", "5"},
+        {"d\\e/h.txt", "6"}, {"d\\e/g.txt", "7"}, {"表", "8"}, {Cp932("表"), "9"},
+        {"\\/\\\\/y", "10"}, {"\\/z", "11"}, {"z", "12"}},
+       {"a/", "a/b.txt=1", "a/b_1.txt=2", "d/", "d/e/", "d/e/g.txt=5", "d/e/g_1.txt=7",
+        "d/e/h.txt=6", "f=3", "f_1/", "f_1/g=4", "y=10", "z=12", "z_1=11", "表=8", "表_1=9"}},
+      {"links and special entries are not kept",
+       {{"to_folder", outside_, 'l'}, {"sub/to_file", outside_ + "/keep.txt", 'l'},
+        {"dangling", outside_ + "/missing", 'l'}, {"l", outside_, 'l'}, {"l\\x", "1"},
+        {"pipe", "", 'p'}},
+       {"l/", "l/x=1", "sub/"}},
+      {"too long once decoded",
+       {{std::string(200, '\x8a') + "\xbf", "long"}, {"a\\b", "ab"}},
+       {"a/", "a/b=ab", std::string(200, '\x8a') + "\xbf=long"},
+       false},
+  };
+  for (const auto& c : cases) {
+    Plant(c.planted);
+    EXPECT_EQ(FixExtractedNames(qvtest::U16(top_)), c.complete) << c.what;
+    EXPECT_EQ(Tree(top_), c.settled) << c.what;
+    EXPECT_EQ(Tree(outside_), std::vector<std::string>{"keep.txt=keep"}) << c.what;
+  }
+}
+
+// Deeper than the descriptors a process may open: folders far above are left and found again.
+TEST_F(ExtractedNames, AnyDepthWithFewDescriptors) {
+  std::string deep;
+  for (int i = 0; i < 300; ++i) deep += "d/";
+  Plant({{deep + "x\\y", "1"}, {deep + Cp932("平日.csv"), "2"}, {"d\\e", "3"}});
+  const pid_t child = ::fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    const rlimit few{64, 64};
+    ::setrlimit(RLIMIT_NOFILE, &few);
+    ::_exit(FixExtractedNames(qvtest::U16(top_)) ? 0 : 1);
+  }
+  int status = -1;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  EXPECT_EQ(qvtest::ReadFile(top_ + "/" + deep + "x/y"), "1");
+  EXPECT_EQ(qvtest::ReadFile(top_ + "/" + deep + "平日.csv"), "2");
+  EXPECT_EQ(qvtest::ReadFile(top_ + "/d/e"), "3");
+}
+
+TEST_F(ExtractedNames, PlainFileIsFoundInAnyCase) {
+  Plant({{"QvFormat/other.xml", ""}, {"qvformat/qvs.xml", ""}, {"QVFORMAT/QvS.xml", "", 'd'},
+         {"Qvformat/QvS.xml", outside_ + "/keep.txt", 'l'}, {"QvFormatt/QvS.xml", ""}});
+  const int top = ::open(top_.c_str(), O_RDONLY | O_DIRECTORY);
+  ASSERT_GE(top, 0);
+  EXPECT_TRUE(HasPlainFileAnyCase(top, "QvFormat/QvS.xml"));
+  EXPECT_TRUE(HasPlainFileAnyCase(top, "qvformatt/QVS.XML"));
+  EXPECT_FALSE(HasPlainFileAnyCase(top, "QvFormat/QvS.xm"));
+  ::unlink((top_ + "/qvformat/qvs.xml").c_str());
+  // What is left in any case is a folder and a link.
+  EXPECT_FALSE(HasPlainFileAnyCase(top, "QvFormat/QvS.xml"));
+  ::close(top);
+}
+
+}  // namespace
+}  // namespace quorvane::platform
