@@ -14,34 +14,7 @@ namespace {
 const char kSecret[] = "SECRET-7f3a9c-DO-NOT-COPY";
 constexpr std::uint32_t kLink = 0120777;  // the Unix mode of a symbolic link
 
-struct Entry { std::string name, data; std::uint32_t mode = 0; };  // mode: Unix bits, 0 for none
-
-// Little-endian fields of (value, width in bytes).
-std::string Le(std::initializer_list<std::pair<std::uint64_t, int>> fields) {
-  std::string out;
-  for (const auto& [value, width] : fields)
-    for (int i = 0; i < width; ++i) out.push_back(static_cast<char>(value >> (8 * i)));
-  return out;
-}
-
-// A zip file of stored entries with any names, "../x" and "/x" included, and
-// any Unix modes, which the archive tool would never write itself.
-std::string StoredZip(const std::vector<Entry>& entries) {
-  std::string body, directory;
-  for (const auto& [name, data, mode] : entries) {
-    std::uint32_t crc = ~0u;
-    for (unsigned char byte : data)
-      for (int k = 0; k < 8; ++k, byte >>= 1) crc = (crc >> 1) ^ (0xEDB88320u & -((crc ^ byte) & 1u));
-    const std::string common =  // from "version needed" to the extra field's length, in both headers
-        Le({{20, 2}, {0, 6}, {0x21, 2}, {~crc, 4}, {data.size(), 4}, {data.size(), 4}, {name.size(), 2}, {0, 2}});
-    // Made by Unix (3) when a mode is given, so that the mode counts.
-    directory += Le({{0x02014b50, 4}, {mode != 0 ? 0x0314u : 20u, 2}}) + common +
-                 Le({{0, 6}, {mode << 16, 4}, {body.size(), 4}}) + name;
-    body += Le({{0x04034b50, 4}}) + common + name + data;
-  }
-  return body + directory + Le({{0x06054b50, 4}, {0, 4}, {entries.size(), 2}, {entries.size(), 2},
-                                {directory.size(), 4}, {body.size(), 4}, {0, 2}});
-}
+using Entry = ZipEntry;
 
 using Str = const std::string&;
 // The documents of a scenario: one time table, one program, one playlist.

@@ -13,6 +13,7 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <initializer_list>
 #include <regex>
 #include <sstream>
 
@@ -229,6 +230,58 @@ std::vector<std::string> ZipMembers(const std::string& zip) {
     }
   }
   std::sort(names.begin(), names.end());
+  return names;
+}
+
+namespace {
+
+// Little-endian fields of (value, width in bytes).
+std::string Le(std::initializer_list<std::pair<std::uint64_t, int>> fields) {
+  std::string out;
+  for (const auto& [value, width] : fields)
+    for (int i = 0; i < width; ++i) out.push_back(static_cast<char>(value >> (8 * i)));
+  return out;
+}
+
+std::uint64_t Field(std::string_view bytes, std::size_t at, int width) {
+  std::uint64_t value = 0;
+  for (int i = width - 1; i >= 0 && at + i < bytes.size(); --i)
+    value = value << 8 | static_cast<unsigned char>(bytes[at + i]);
+  return value;
+}
+
+}  // namespace
+
+std::string StoredZip(const std::vector<ZipEntry>& entries) {
+  std::string body, directory;
+  for (const auto& [name, data, mode, utf8] : entries) {
+    std::uint32_t crc = ~0u;
+    for (unsigned char byte : data)
+      for (int k = 0; k < 8; ++k, byte >>= 1)
+        crc = (crc >> 1) ^ (0xEDB88320u & -((crc ^ byte) & 1u));
+    // From "version needed" to the extra field's length, in both headers.
+    const std::string common = Le({{20, 2}, {utf8 ? 0x800 : 0, 2}, {0, 4}, {0x21, 2}, {~crc, 4},
+                                   {data.size(), 4}, {data.size(), 4}, {name.size(), 2}, {0, 2}});
+    // Made by Unix (3) when a mode is given, so that the mode counts.
+    directory += Le({{0x02014b50, 4}, {mode != 0 ? 0x0314u : 20u, 2}}) + common +
+                 Le({{0, 6}, {mode << 16, 4}, {body.size(), 4}}) + name;
+    body += Le({{0x04034b50, 4}}) + common + name + data;
+  }
+  return body + directory + Le({{0x06054b50, 4}, {0, 4}, {entries.size(), 2}, {entries.size(), 2},
+                                {directory.size(), 4}, {body.size(), 4}, {0, 2}});
+}
+
+std::vector<std::pair<std::string, bool>> ZipNames(const std::string& zip) {
+  const std::string bytes = ReadFile(zip);
+  const std::size_t end = bytes.rfind("PK\x05\x06");
+  std::vector<std::pair<std::string, bool>> names;
+  if (end == std::string::npos) return names;
+  std::size_t at = Field(bytes, end + 16, 4);
+  for (std::uint64_t n = Field(bytes, end + 10, 2); n > 0 && at + 46 <= bytes.size(); --n) {
+    const std::size_t length = Field(bytes, at + 28, 2);
+    names.emplace_back(bytes.substr(at + 46, length), (Field(bytes, at + 8, 2) & 0x800) != 0);
+    at += 46 + length + Field(bytes, at + 30, 2) + Field(bytes, at + 32, 2);
+  }
   return names;
 }
 

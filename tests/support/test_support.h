@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "app/qv_conv_exception.h"
@@ -107,6 +108,20 @@ std::string DateFromToday(int days);
 void ZipFolderContents(const std::string& folder, const std::string& zip);
 // Member names of a zip file as 7za lists them (with "/" separators), sorted.
 std::vector<std::string> ZipMembers(const std::string& zip);
+
+// One entry of a zip file written byte by byte, as any tool may write it: any
+// name bytes ("../x", "a\b", code page 932), any Unix mode (0: none, the
+// entry is made by MS-DOS; 0120777 is a symbolic link to `data`), the UTF-8
+// flag (general purpose bit 11) as asked.
+struct ZipEntry {
+  std::string name, data;
+  std::uint32_t mode = 0;
+  bool utf8 = false;
+};
+// A zip file of stored entries.
+std::string StoredZip(const std::vector<ZipEntry>& entries);
+// The names of a zip file's central directory, in order, with their UTF-8 flags.
+std::vector<std::pair<std::string, bool>> ZipNames(const std::string& zip);
 
 }  // namespace qvtest
 
