@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "app/qv_conv_exception.h"
+#include "platform/extracted_names.h"
 #include "platform/file_lock.h"
 #include "platform/private_folder.h"
 #include "platform/process.h"
@@ -59,6 +60,8 @@ void UnpackArchive(const std::u16string& archive, const std::u16string& folder) 
     // The destination is emptied first, whatever the extraction then does.
     if (!folder.empty()) DeleteTree(folder);
     started = RunTool({u"x", AsOperand(archive), u"-o" + folder});
+    // What the tool could not settle is settled here, as far as it goes.
+    if (started) platform::FixExtractedNames(folder);
   } catch (const std::exception&) {
     ThrowCode(codes::kUnpackFailed);
   }
@@ -71,6 +74,7 @@ void UnpackArchive(const std::u16string& archive, platform::PrivateFolder& folde
   bool started = false;
   try {
     started = RunTool({u"x", AsOperand(archive), u"-o" + folder.ChildPath()});
+    if (started) folder.FixExtractedNames();
   } catch (const std::exception&) {
     ThrowCode(codes::kUnpackFailed);
   }
@@ -92,7 +96,8 @@ bool ProbeArchive(const std::u16string& archive) {
     probe.Remove();
     throw;
   }
-  // Only a plain file that opens counts; its content is not read here.
+  // Only a plain file that opens counts, its name in any case as on NTFS; its
+  // content is not read here.
   const bool package = probe.HasPlainFile(u"QvFormat/QvS.xml");
   probe.Remove();
   return package;

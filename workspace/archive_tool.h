@@ -6,6 +6,14 @@
 // The tool's exit status is not used: a tool that starts counts as success,
 // so a corrupt archive or a full disk passes without a failure code.  Only a
 // tool that cannot be started is a failure.
+//
+// After every extraction the names are settled as 7-Zip on Japanese Windows
+// makes them (platform/extracted_names.h): a name that is not UTF-8 is read as
+// code page 932, "\" separates folders, nothing climbs out of the folder and
+// no link is kept.  The tool's own switches do not do this here: -mcp=932
+// changes nothing on Linux, and links are made whatever -snl says.  Packing
+// needs nothing of the kind: the tool stores every name that is not ASCII in
+// UTF-8 with the archive's UTF-8 flag, whatever the locale.
 #ifndef QV_WORKSPACE_ARCHIVE_TOOL_H_
 #define QV_WORKSPACE_ARCHIVE_TOOL_H_
 
@@ -37,7 +45,8 @@ void UnpackArchive(const std::u16string& archive, const std::u16string& folder);
 void UnpackArchive(const std::u16string& archive, platform::PrivateFolder& folder);
 
 // Answers whether `archive` is a package of XML documents: QvFormat/QvS.xml
-// in it is a plain file that opens (reached without following a link).  The
+// in it, its letters in any case as on NTFS, is a plain file that opens
+// (reached without following a link).  The
 // whole archive is extracted into the probe folder <temp>chktemp, which is
 // made, or emptied first whatever a killed run left in it, and removed again
 // after the test.  Runs side by side take turns on it through the lock file

@@ -4,7 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/support/test_support.h"
@@ -43,6 +45,43 @@ TEST_F(ArchiveTool, ProbeTellsPackagesFromPlainArchives) {
   EXPECT_FALSE(Probe(scratch_.Sub("missing.zip")));
   // A folder named like the marker file is no package.
   EXPECT_FALSE(Probe(Zip("s.zip", "QvFormat/QvS.xml/inner.txt")));
+}
+
+// As on NTFS, the marker is found in any case, also behind "\" between folders as PowerShell
+// writes them; only a plain file counts.
+TEST_F(ArchiveTool, ProbeFindsTheMarkerInAnyCase) {
+  const std::string outside = scratch_.Sub("outside.xml");
+  qvtest::WriteFile(outside, "<s/>");
+  const struct {
+    std::vector<qvtest::ZipEntry> entries;
+    bool package;
+  } cases[] = {
+      {{{"qvformat/qvs.xml", "<s/>"}}, true},
+      {{{"QVFORMAT\\QVS.XML", "<s/>"}}, true},
+      {{{"QvFormat/other.xml", ""}, {"qvformat/QvS.xml", "<s/>"}}, true},
+      {{{"QvFormat/QvS.xml.bak", "<s/>"}, {"QvFormat/QvS", "<s/>"}}, false},
+      {{{"qvformat/qvs.xml", outside, 0120777}}, false},  // a link to a local file
+  };
+  for (const auto& c : cases) {
+    qvtest::WriteFile(scratch_.Sub("w.zip"), qvtest::StoredZip(c.entries));
+    EXPECT_EQ(Probe(scratch_.Sub("w.zip")), c.package) << c.entries[0].name;
+  }
+}
+
+// The program's own zips store a name that is not ASCII in UTF-8 with the UTF-8 flag, whatever
+// the locale, and open again as they were.
+TEST_F(ArchiveTool, OwnZipsNameInUtf8) {
+  const std::string name = "QvFormat/QvC/ロゴ.png";
+  qvtest::WriteFile(scratch_.Sub("work/" + name), "png");
+  for (const char* locale : {"C", "POSIX", ""}) {
+    qvtest::EnvOverride all("LC_ALL", locale), lang("LANG", locale);
+    qvtest::RemoveAll(scratch_.Sub("own.zip"));
+    PackFolder(U16(scratch_.Sub("work/QvFormat")), U16(scratch_.Sub("own.zip")), false);
+    const auto names = qvtest::ZipNames(scratch_.Sub("own.zip"));
+    EXPECT_NE(std::find(names.begin(), names.end(), std::pair(name, true)), names.end()) << locale;
+    UnpackArchive(U16(scratch_.Sub("own.zip")), U16(scratch_.Sub("back")));
+    EXPECT_EQ(qvtest::ReadFile(scratch_.Sub("back/" + name)), "png") << locale;
+  }
 }
 
 // What a killed probe left in the probe folder, read-only and oddly named parts
