@@ -26,7 +26,7 @@ constexpr std::size_t kOpenFolders = 16;
 constexpr int kFolderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
 // Each round over a folder takes one level of nameless folders apart (see
-// Merge), so only a hostile tree needs more than two.
+// Merge), so only a hostile tree needs more than three.
 constexpr int kRounds = 4096;
 
 enum class Kind {
@@ -237,28 +237,34 @@ bool Merge(int from, const std::string& name, int to) {
   return settled && ::unlinkat(from, name.c_str(), AT_REMOVEDIR) == 0;
 }
 
-// Settles the names of one open folder, not those below its subfolders.
+// Settles the names of one open folder, not those below its subfolders, in
+// rounds until a round changes nothing.
 bool SettleFolder(int folder, bool top) {
+  std::vector<std::string> before;
+  bool settled = true;
   for (int round = 0; round < kRounds; ++round) {
     std::vector<std::string> names;
     if (!ReadNames(folder, &names)) return false;
-    bool settled = true, moved = false;
+    if (round > 0 && names == before) return settled;
+    settled = true;
+    bool changing = false;  // something was removed or is to move
     for (const std::string& name : names) {
       const Kind kind = Settle(folder, name);
-      if (kind == Kind::kMissing) continue;
+      if (kind == Kind::kMissing) {
+        changing = true;
+        continue;
+      }
       if (kind == Kind::kBlocked) {
         settled = false;
         continue;
       }
       const std::vector<std::string> parts = Parts(name, top, kind == Kind::kFile);
       if (parts.size() == 1 && parts[0] == name) continue;
-      if (Place(folder, name, kind, parts, folder)) {
-        moved = true;
-      } else {
-        settled = false;
-      }
+      changing = true;
+      settled = Place(folder, name, kind, parts, folder) && settled;
     }
-    if (!moved) return settled;
+    if (!changing) return settled;
+    before = std::move(names);
   }
   return false;
 }
