@@ -3,7 +3,6 @@
 // names meet; and a tree of any depth settled with few descriptors.
 #include "platform/extracted_names.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -139,20 +138,6 @@ TEST_F(ExtractedNames, AnyDepthWithFewDescriptors) {
   EXPECT_EQ(qvtest::ReadFile(top_ + "/" + deep + "x/y"), "1");
   EXPECT_EQ(qvtest::ReadFile(top_ + "/" + deep + "平日.csv"), "2");
   EXPECT_EQ(qvtest::ReadFile(top_ + "/d/e"), "3");
-}
-
-TEST_F(ExtractedNames, PlainFileIsFoundInAnyCase) {
-  Plant({{"QvFormat/other.xml", ""}, {"qvformat/qvs.xml", ""}, {"QVFORMAT/QvS.xml", "", 'd'},
-         {"Qvformat/QvS.xml", outside_ + "/keep.txt", 'l'}, {"QvFormatt/QvS.xml", ""}});
-  const int top = ::open(top_.c_str(), O_RDONLY | O_DIRECTORY);
-  ASSERT_GE(top, 0);
-  EXPECT_TRUE(HasPlainFileAnyCase(top, "QvFormat/QvS.xml"));
-  EXPECT_TRUE(HasPlainFileAnyCase(top, "qvformatt/QVS.XML"));
-  EXPECT_FALSE(HasPlainFileAnyCase(top, "QvFormat/QvS.xm"));
-  ::unlink((top_ + "/qvformat/qvs.xml").c_str());
-  // What is left in any case is a folder and a link.
-  EXPECT_FALSE(HasPlainFileAnyCase(top, "QvFormat/QvS.xml"));
-  ::close(top);
 }
 
 }  // namespace

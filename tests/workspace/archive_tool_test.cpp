@@ -60,6 +60,7 @@ TEST_F(ArchiveTool, ProbeFindsTheMarkerInAnyCase) {
       {{{"QVFORMAT\\QVS.XML", "<s/>"}}, true},
       {{{"QvFormat/other.xml", ""}, {"qvformat/QvS.xml", "<s/>"}}, true},
       {{{"QvFormat/QvS.xml.bak", "<s/>"}, {"QvFormat/QvS", "<s/>"}}, false},
+      {{{"QvFormat/other.xml", ""}, {"qvformat/QVS.XML/inner.txt", ""}}, false},
       {{{"qvformat/qvs.xml", outside, 0120777}}, false},  // a link to a local file
   };
   for (const auto& c : cases) {
