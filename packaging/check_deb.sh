@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Builds the Debian package in a scratch build folder, unpacks it with
-# dpkg -x into a scratch root (nothing is installed on this machine) and runs
-# the unpacked program on the sample project.  Prints what it checked; exits
-# non-zero on the first failure.
+# Builds the Debian package, has lintian check it (no error and no warning may
+# remain), unpacks it with dpkg -x into a scratch root (nothing is installed on
+# this machine) and runs the unpacked program on the sample project.  Prints
+# what it checked; exits non-zero on the first failure.
 #
 #   packaging/check_deb.sh [build-folder]     (default: build-deb, configured and built here)
 #   packaging/check_deb.sh --built <folder>   (a build folder as it stands: the test suite's)
@@ -29,10 +29,15 @@ echo "package: $DEB"
 
 fail() { echo "FAIL: $*" >&2; exit 1; }
 
+command -v lintian >/dev/null || fail "lintian is not installed (apt-get install lintian)"
+lintian --fail-on error,warning "$DEB" || fail "lintian reports errors or warnings"
+echo "lintian: no error, no warning"
+
 depends=$(dpkg-deb -f "$DEB" Depends)
 echo "depends: $depends"
 [[ $depends == *p7zip-full* ]] || fail "no dependency on p7zip-full"
 [[ $depends == *libxerces-c3.2* ]] || fail "no dependency on libxerces-c3.2"
+[ "$(grep -o 'libxerces-c3.2' <<<"$depends" | wc -l)" -eq 1 ] || fail "libxerces-c3.2 named twice"
 
 dpkg -x "$DEB" "$SCRATCH/root"
 PROGRAM=$SCRATCH/root/usr/bin/qvConvApp
