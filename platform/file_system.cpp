@@ -72,8 +72,10 @@ bool ReadUpTo(int fd, std::size_t limit, std::string* bytes) {
   return true;
 }
 
-// Did a call fail because an entry on the way is missing?
-bool Missing() { return errno == ENOENT || errno == ENOTDIR; }
+// Did a call fail because a name of the path is missing?  (A name that is
+// there as spelled but is no folder, ENOTDIR, is what Windows finds too: an
+// exact name wins.)
+bool Missing() { return errno == ENOENT; }
 
 // Runs `call` (true on success, errno set on failure) on an existing entry:
 // on the path as Windows cleans it, and when that names nothing, on the path

@@ -17,11 +17,47 @@ bool IsReserved(char16_t unit) {
   }
 }
 
+// The common case in one pass: a path with no "." or ".." name, no empty
+// name and no name that ends in a dot (or, the last, in a space) only needs
+// its backslashes turned.  False when the full cleanup is needed.
+bool CleanQuickly(std::u16string_view path, Win32Path* out) {
+  std::u16string& text = out->path;
+  text.resize(path.size());
+  bool after_separator = true;  // at the start of a name
+  for (std::size_t i = 0; i < path.size(); ++i) {
+    const char16_t unit = path[i];
+    if (unit > u'\\' && unit != u'|') {  // lower case, "_" and all beyond ASCII: plain
+      text[i] = unit;
+      after_separator = false;
+      continue;
+    }
+    if (IsSeparator(unit)) {
+      if (after_separator && i > 0) return false;  // an empty name
+      if (i > 0 && path[i - 1] == u'.') return false;
+      text[i] = u'/';
+      after_separator = true;
+      continue;
+    }
+    if (after_separator && unit == u'.') return false;  // perhaps "." or ".."
+    if (IsReserved(unit)) out->nameable = false;
+    text[i] = unit;
+    after_separator = false;
+  }
+  // The last name, before a separator that may end the path.
+  std::size_t end = path.size();
+  if (end > 1 && IsSeparator(path[end - 1])) --end;
+  const char16_t last = path[end - 1];
+  return last != u'.' && last != u' ';
+}
+
 }  // namespace
 
 Win32Path CleanWin32Path(std::u16string_view path) {
   Win32Path out;
   if (path.empty()) return out;
+  if (CleanQuickly(path, &out)) return out;
+  out.path.clear();
+  out.nameable = true;
   const bool absolute = IsSeparator(path.front());
   const bool trailing_separator = IsSeparator(path.back());
   std::u16string& text = out.path;

@@ -31,6 +31,7 @@ TEST(Win32PathCleanup, TextBeforeTheDisk) {
       {u"/p/name.csv . .", "/p/name.csv"},           // the last name loses trailing dots and spaces
       {u"/p/Folder./Sub../x", "/p/Folder/Sub../x"},  // an inner name one dot, a single one only
       {u"/p/Folder /x", "/p/Folder /x"},
+      {u"/p/last . /", "/p/last/"},
       {u"/p/... /x/...", "/p/... /x"},  // dots and blanks never become a step up
       {u"/p/ ../x", "/p/ ../x"},
       {u"", ""},
