@@ -16,9 +16,4 @@ std::u16string FileNameOf(std::u16string_view path) {
   return std::u16string(cut == std::u16string_view::npos ? path : path.substr(cut + 1));
 }
 
-std::u16string FolderOf(std::u16string_view path) {
-  const auto cut = path.rfind(u'\\');
-  return cut == std::u16string_view::npos ? std::u16string() : std::u16string(path.substr(0, cut));
-}
-
 }  // namespace quorvane::qvconv::converter

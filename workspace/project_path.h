@@ -18,9 +18,6 @@ std::u16string JoinPath(std::u16string_view folder, std::u16string_view relative
 // The part behind the last "\" (all of it when there is none).
 std::u16string FileNameOf(std::u16string_view path);
 
-// The part before the last "\" (empty when there is none).
-std::u16string FolderOf(std::u16string_view path);
-
 }  // namespace quorvane::qvconv::converter
 
 #endif  // QV_WORKSPACE_PROJECT_PATH_H_
