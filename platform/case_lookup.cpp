@@ -15,9 +15,9 @@
 namespace quorvane::platform {
 namespace {
 
-// The names of a path: the root ("/" or "") and the names behind it.
+// The names of a path, and whether it begins at the root.
 struct SplitPath {
-  std::string root;
+  bool absolute = false;
   std::vector<std::string> names;
   bool trailing_separator = false;
 };
@@ -26,7 +26,7 @@ SplitPath Split(const std::string& path) {
   SplitPath out;
   std::size_t pos = 0;
   if (!path.empty() && path[0] == '/') {
-    out.root = "/";
+    out.absolute = true;
     pos = 1;
   }
   out.trailing_separator = path.size() > 1 && path.back() == '/';
@@ -39,9 +39,9 @@ SplitPath Split(const std::string& path) {
   return out;
 }
 
-// The path of the root and the first `count` names.
+// The path of the root and the first `count` names ("" is the current folder).
 std::string Prefix(const SplitPath& split, std::size_t count) {
-  std::string out = split.root;
+  std::string out(split.absolute ? 1 : 0, '/');
   for (std::size_t i = 0; i < count; ++i) {
     if (i > 0) out += '/';
     out += split.names[i];
