@@ -146,30 +146,30 @@ std::u16string ExtensionOf(const std::u16string& cell) {
   return cell.substr(dot + 1);
 }
 
-// Cuts a path at its last separator; a path without one stays as it is.
+// Cuts a path at its last backslash; a path without one stays as it is.  A
+// "/" does not cut: the levels counted here are those of a project, whose
+// names are joined with backslashes.
 void CutLastComponent(std::u16string& path) {
-  const std::size_t cut = path.find_last_of(u"/\\");
+  const std::size_t cut = path.rfind(u'\\');
   if (cut != std::u16string::npos) path.resize(cut);
 }
 
-bool StartsWithParentStep(const std::u16string& text) {
-  return text.size() >= 3 && text[0] == u'.' && text[1] == u'.' &&
-         (text[2] == u'\\' || text[2] == u'/');
-}
+// Only "..\" is a step up here; "../" is part of a name.
+bool StartsWithParentStep(const std::u16string& text) { return text.starts_with(u"..\\"); }
 
 }  // namespace
 
 std::u16string QvChRunner::telopPath(const std::u16string& cell) const {
   std::u16string folder = file;
-  if (folder.size() > 1 && (folder.back() == u'\\' || folder.back() == u'/')) folder.pop_back();
+  if (folder.size() > 1 && folder.back() == u'\\') folder.pop_back();
   std::u16string rest = cell;
   if (!checker.check_only) {
-    if (!StartsWithParentStep(rest)) return converter::WithForwardSlashes(rest);
+    if (!StartsWithParentStep(rest)) return rest;
     rest.erase(0, 3);
     for (int i = 0; i < 3; ++i) CutLastComponent(folder);
     return converter::JoinPath(folder, rest);
   }
-  if (!StartsWithParentStep(rest)) return converter::WithForwardSlashes(rest);
+  if (!StartsWithParentStep(rest)) return rest;
   for (int i = 0; i < 6; ++i) CutLastComponent(folder);
   while (StartsWithParentStep(rest)) {
     rest.erase(0, 3);

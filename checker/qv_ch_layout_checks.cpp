@@ -97,10 +97,11 @@ void QvChRunner::CHECK_PANE_NO(const QvChDataRow& data_row) {
 void QvChRunner::playlistTest(const std::u16string& cell, const std::u16string& id,
                               const std::u16string& message_key) {
   if (file.empty()) return;
-  // The playlist file stands beside the program file.
+  // The playlist file stands beside the program file: the path is cut at its
+  // last "/" or backslash, whichever comes later.
   const std::size_t cut = file.find_last_of(u"/\\");
   const std::u16string path = cut == std::u16string::npos
-                                  ? converter::WithForwardSlashes(cell)
+                                  ? cell
                                   : converter::JoinPath(file.substr(0, cut), cell);
   std::string head;
   if (!platform::ReadFilePrefix(path, 1, &head)) return;  // a missing playlist is no finding

@@ -217,12 +217,11 @@ void QvChRunner::CHECK_TIMETABLE_TIME(const std::u16string& cell) {
   if (cell.empty()) return;
   try {
     if (checker.today_timetable.empty()) return;
-    // Only today's time table is tested.  The schedule names it with
-    // backslashes, the walk's path has forward slashes.
-    const std::u16string today = converter::WithForwardSlashes(checker.today_timetable);
-    const std::u16string path = converter::WithForwardSlashes(file);
-    if (path.size() < today.size() ||
-        path.compare(path.size() - today.size(), today.size(), today) != 0) {
+    // Only today's time table is tested: the file whose path ends in the
+    // schedule's text for today, exactly.
+    const std::u16string& today = checker.today_timetable;
+    if (file.size() < today.size() ||
+        file.compare(file.size() - today.size(), today.size(), today) != 0) {
       return;
     }
     // The cell as 8-bit text of at most 255 bytes, scanned into the hours,

@@ -53,9 +53,11 @@ void RequireColumns(const QvCsvFile::Row& row, std::size_t count) {
 }
 
 // The name of the folder that holds the file at `path`: the path is cut at
-// its last separator, and the last part of the rest is the folder name.
+// its last backslash, and what stands behind the last backslash of the rest is
+// the folder name.  A "/" is part of a name here, as it is to the project's
+// own tables ("sub/Program_1" is one key).
 std::u16string FolderNameOf(const std::u16string& path) {
-  const std::size_t cut = path.find_last_of(u"\\/");
+  const std::size_t cut = path.rfind(u'\\');
   return converter::FileNameOf(cut == std::u16string::npos ? std::u16string_view(path)
                                                            : std::u16string_view(path).substr(0, cut));
 }

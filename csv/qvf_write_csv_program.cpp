@@ -88,10 +88,10 @@ QvCsvFile::Row ItemLine(std::u16string kind, const fmt::QvFPlayTime& play_time, 
           u"-1", u"-1", u"-1", u"-1", EndCodeText(play_time)};
 }
 
-// `folder` + "/" + `name`, without doubling a separator the folder ends in.
+// `folder` + "\" + `name`, without doubling a separator the folder ends in.
 std::u16string InFolder(const std::u16string& folder, std::u16string_view name) {
   if (!folder.empty() && (folder.back() == u'/' || folder.back() == u'\\')) {
-    return folder + converter::WithForwardSlashes(name);
+    return folder + std::u16string(name);
   }
   return converter::JoinPath(folder, name);
 }

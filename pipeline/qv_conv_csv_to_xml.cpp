@@ -166,7 +166,7 @@ void QvConvCsvToXml::ConvertPrograms(Reader& reader, Writer& writer, const std::
     for (const std::u16string& f : folders) {
       pane_override = -1;
       const std::u16string folder = JoinPath(input, f);
-      const std::u16string csv = folder + u"/program.csv";
+      const std::u16string csv = JoinPath(folder, u"program.csv");
       const std::u16string id = reader.index().programId(f);
       const std::u16string target = format + u"/QvP/" + id;
       MakeFolder(target, ExistingFolder::kIsFine);
@@ -211,7 +211,9 @@ void QvConvCsvToXml::CopyContents(Reader& reader, const std::u16string& input,
   try {
     for (const io::csv::QvFCsvContentFile& file : reader.index().content_files) {
       // A path relative to a program folder becomes relative to the project
-      // folder, keeping its leading separator.
+      // folder, keeping its leading separator.  One that climbs out of the
+      // project ("..\..\media\logo.png") is taken from where this join puts
+      // it, beside the project, as on Windows.
       std::u16string rel = file.path;
       const auto parent = rel.find(u"..");
       if (parent == 0) {
@@ -219,12 +221,9 @@ void QvConvCsvToXml::CopyContents(Reader& reader, const std::u16string& input,
       } else if (parent == 1) {
         rel.erase(0, 3);
       }
-      const std::u16string src = input + WithForwardSlashes(rel);
+      const std::u16string src = input + rel;
       const std::u16string ext = PackageExtension(src);
       if (config.SkipContents()) continue;
-      // A content path that climbs out of the project is left out, as a
-      // missing file is: a project must not bring other files into a package.
-      if (HasParentStep(rel)) continue;
       const std::u16string dst = format + u"/QvC/" + file.id + ext;
       if (ext == u".tlp") {
         CopyTelopAsText(src, dst);
@@ -238,7 +237,8 @@ void QvConvCsvToXml::CopyContents(Reader& reader, const std::u16string& input,
 }
 
 int QvConvCsvToXml::PaneOfPlaylist(const std::u16string& path) {
-  const auto cut = path.find_last_of(u"\\/");
+  // The file name behind the last backslash; a "/" is part of the name.
+  const auto cut = path.rfind(u'\\');
   const std::u16string name = cut == std::u16string::npos ? std::u16string() : path.substr(cut + 1);
   for (int i = 0; i < 9; ++i) {
     if (name == kPaneFiles[i]) return i;

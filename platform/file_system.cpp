@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "platform/case_lookup.h"
+#include "platform/ntfs_names.h"
 #include "platform/system_path.h"
 #include "platform/text_codec.h"
 
@@ -70,81 +72,194 @@ bool ReadUpTo(int fd, std::size_t limit, std::string* bytes) {
   return true;
 }
 
+// Did a call fail because a name of the path is missing?  (A name that is
+// there as spelled but is no folder, ENOTDIR, is what Windows finds too: an
+// exact name wins.)
+bool Missing() { return errno == ENOENT; }
+
+// Runs `call` (true on success, errno set on failure) on an existing entry:
+// on the path as Windows cleans it, and when that names nothing, on the path
+// found without regard to case.
+template <typename Call>
+bool OnExisting(std::u16string_view path, Call&& call) {
+  SystemPath native(path);
+  if (!native.nameable()) {
+    errno = ENOENT;
+    return false;
+  }
+  if (call(native)) return true;
+  if (!Missing()) return false;
+  const int error = errno;
+  std::string found = FindIgnoringCase(native.native());
+  if (found.empty()) {
+    errno = error;
+    return false;
+  }
+  native.Reset(std::move(found));
+  return call(native);
+}
+
+// Runs `call` to create an entry (a folder when `folder` is set): spelled as an
+// entry of the same name in another case is, and in a folder found without
+// regard to case when the folder as spelled is missing.
+template <typename Call>
+bool OnNew(std::u16string_view path, bool folder, Call&& call) {
+  SystemPath native(path);
+  if (!native.nameable()) {
+    errno = EINVAL;
+    return false;
+  }
+  std::string spelling = SpellingForNew(native.native());
+  if (spelling != native.native()) native.Reset(std::move(spelling));
+  bool done = call(native);
+  if (!done && Missing()) {
+    const int error = errno;
+    const std::string found = FindFolderIgnoringCase(native.native());
+    if (found.empty()) {
+      errno = error;
+      return false;
+    }
+    native.Reset(SpellingForNew(found));
+    done = call(native);
+  }
+  if (done) NoteCreated(native.native(), folder);
+  return done;
+}
+
+// Runs `call` to remove or change an entry that a listing gave: on the path as
+// it stands first, then as an existing entry.
+template <typename Call>
+bool OnListed(std::u16string_view path, Call&& call) {
+  ForgetFolders();
+  SystemPath exact(NativePath(path));
+  if (call(exact)) return true;
+  if (!Missing()) return false;
+  return OnExisting(path, call);
+}
+
+bool Lstat(std::u16string_view path, struct stat* st) {
+  return OnExisting(path, [&](const SystemPath& p) { return ::lstat(p.c_str(), st) == 0; });
+}
+
+int OpenExistingForReading(std::u16string_view path) {
+  int fd = -1;
+  OnExisting(path, [&](const SystemPath& p) {
+    fd = OpenPlainFileForReading(p.str());
+    return fd >= 0;
+  });
+  return fd;
+}
+
+int CreateForWriting(std::u16string_view path) {
+  int fd = -1;
+  OnNew(path, false, [&](const SystemPath& p) {
+    fd = OpenRetry(p.str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
+    return fd >= 0;
+  });
+  return fd;
+}
+
 }  // namespace
 
 std::string NativePath(std::u16string_view path) { return Utf8FromUtf16(path); }
 
 std::u16string PathFromNative(std::string_view native) { return Utf16FromUtf8(native); }
 
+std::u16string PathAsFound(std::u16string_view path) {
+  SystemPath native(path);
+  if (!native.nameable()) return std::u16string(path);
+  struct stat st;
+  if (::lstat(native.c_str(), &st) == 0 || !Missing()) return PathFromNative(native.native());
+  std::string found = FindIgnoringCase(native.native());
+  if (found.empty()) found = FindFolderIgnoringCase(native.native());
+  return PathFromNative(found.empty() ? native.native() : found);
+}
+
 MakeDirResult MakeDirectory(std::u16string_view path) {
-  if (::mkdir(SystemPath(path).c_str(), 0777) == 0) return MakeDirResult::kCreated;
+  if (OnNew(path, true, [](const SystemPath& p) { return ::mkdir(p.c_str(), 0777) == 0; })) {
+    return MakeDirResult::kCreated;
+  }
   return errno == EEXIST ? MakeDirResult::kExists : MakeDirResult::kFailed;
 }
 
 bool PathExists(std::u16string_view path) {
   struct stat st;
-  return ::lstat(SystemPath(path).c_str(), &st) == 0;
+  return Lstat(path, &st);
 }
 
 bool IsDirectory(std::u16string_view path) {
   struct stat st;
-  return ::lstat(SystemPath(path).c_str(), &st) == 0 && S_ISDIR(st.st_mode);
+  return Lstat(path, &st) && S_ISDIR(st.st_mode);
 }
 
 bool IsRegularFile(std::u16string_view path) {
   struct stat st;
-  return ::lstat(SystemPath(path).c_str(), &st) == 0 && S_ISREG(st.st_mode);
+  return Lstat(path, &st) && S_ISREG(st.st_mode);
 }
 
 bool ListDirectory(std::u16string_view path, std::vector<DirEntry>* entries) {
   entries->clear();
-  DIR* dir = ::opendir(SystemPath(path).c_str());
+  DIR* dir = nullptr;
+  OnExisting(path, [&](const SystemPath& p) {
+    dir = ::opendir(p.c_str());
+    return dir != nullptr;
+  });
   if (dir == nullptr) return false;
   const int dir_fd = ::dirfd(dir);
-  std::vector<std::pair<std::string, DirEntry>> found;
+  // Each entry with its name upper-cased, the key of NTFS order.
+  std::vector<std::pair<std::u16string, DirEntry>> found;
   errno = 0;
   while (struct dirent* e = ::readdir(dir)) {
-    std::string name = e->d_name;
-    if (name == "." || name == "..") continue;
+    const char* name = e->d_name;
+    if (std::string_view(name) == "." || std::string_view(name) == "..") continue;
     DirEntry entry;
     entry.name = PathFromNative(name);
+    entry.windows_name = IsWindowsName(entry.name);
     struct stat st;
-    if (::fstatat(dir_fd, name.c_str(), &st, AT_SYMLINK_NOFOLLOW) == 0) {
+    if (::fstatat(dir_fd, name, &st, AT_SYMLINK_NOFOLLOW) == 0) {
       entry.is_directory = S_ISDIR(st.st_mode);
       entry.read_only = (st.st_mode & S_IWUSR) == 0;
     }
-    found.emplace_back(std::move(name), std::move(entry));
+    std::u16string key = NtfsUpper(entry.name);
+    found.emplace_back(std::move(key), std::move(entry));
+    errno = 0;
   }
   const bool ok = errno == 0;
   ::closedir(dir);
-  std::sort(found.begin(), found.end(),
-            [](const auto& a, const auto& b) { return a.first < b.first; });
+  std::sort(found.begin(), found.end(), [](const auto& a, const auto& b) {
+    return a.first != b.first ? a.first < b.first : a.second.name < b.second.name;
+  });
   entries->reserve(found.size());
   for (auto& f : found) entries->push_back(std::move(f.second));
   return ok;
 }
 
 bool MakeWritable(std::u16string_view path) {
-  const SystemPath native(path);
-  struct stat st;
-  if (::lstat(native.c_str(), &st) != 0) return false;
-  if (S_ISLNK(st.st_mode)) return true;  // a link has no mode of its own
-  return ::chmod(native.c_str(), (st.st_mode & 07777) | S_IWUSR) == 0;
+  return OnListed(path, [](const SystemPath& p) {
+    struct stat st;
+    if (::lstat(p.c_str(), &st) != 0) return false;
+    if (S_ISLNK(st.st_mode)) return true;  // a link has no mode of its own
+    return ::chmod(p.c_str(), (st.st_mode & 07777) | S_IWUSR) == 0;
+  });
 }
 
-bool RemoveFile(std::u16string_view path) { return ::unlink(SystemPath(path).c_str()) == 0; }
+bool RemoveFile(std::u16string_view path) {
+  return OnListed(path, [](const SystemPath& p) { return ::unlink(p.c_str()) == 0; });
+}
 
-bool RemoveDirectory(std::u16string_view path) { return ::rmdir(SystemPath(path).c_str()) == 0; }
+bool RemoveDirectory(std::u16string_view path) {
+  return OnListed(path, [](const SystemPath& p) { return ::rmdir(p.c_str()) == 0; });
+}
 
 bool CopyFile(std::u16string_view source, std::u16string_view destination) {
-  const int in = OpenPlainFileForReading(SystemPath(source).str());
+  const int in = OpenExistingForReading(source);
   if (in < 0) return false;
   struct stat st;
   if (::fstat(in, &st) != 0) {
     ::close(in);
     return false;
   }
-  const int out = OpenRetry(SystemPath(destination).str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
+  const int out = CreateForWriting(destination);
   if (out < 0) {
     ::close(in);
     return false;
@@ -163,6 +278,13 @@ bool CopyFile(std::u16string_view source, std::u16string_view destination) {
     std::string rest;
     ok = ReadUpTo(in, static_cast<std::size_t>(-1), &rest) && WriteAll(out, rest.data(), rest.size());
   }
+  // As CopyFileW does: the source's last-write time, and its read-only flag.
+  const struct timespec times[2] = {{0, UTIME_OMIT}, st.st_mtim};
+  ::futimens(out, times);
+  struct stat written;
+  if ((st.st_mode & S_IWUSR) == 0 && ::fstat(out, &written) == 0) {
+    ::fchmod(out, written.st_mode & 07555);
+  }
   ::close(in);
   if (::close(out) != 0) ok = false;
   return ok;
@@ -173,7 +295,7 @@ bool ReadFile(std::u16string_view path, std::string* bytes) {
 }
 
 bool ReadFilePrefix(std::u16string_view path, std::size_t limit, std::string* bytes) {
-  const int fd = OpenPlainFileForReading(SystemPath(path).str());
+  const int fd = OpenExistingForReading(path);
   if (fd < 0) return false;
   const bool ok = ReadUpTo(fd, limit, bytes);
   ::close(fd);
@@ -193,7 +315,7 @@ bool OutputFile::Open(std::u16string_view path) {
   Close();
   failed_ = false;
   buffer_.clear();
-  fd_ = OpenRetry(SystemPath(path).str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
+  fd_ = CreateForWriting(path);
   return fd_ >= 0;
 }
 

@@ -3,8 +3,19 @@
 // writes.  Paths are UTF-16 text; they become UTF-8 here, at the boundary, and
 // nowhere else.  No path length limit applies beyond the system's own.
 //
-// A backslash in a path is a plain character to the system: callers that join a
-// relative path from a project file turn its backslashes into "/" first.
+// Paths are taken as Windows takes them on NTFS, where the projects are made
+// (win32_path.h, case_lookup.h):
+//   - "\" and "/" both separate names; "." and ".." are resolved on the text;
+//     trailing dots and spaces of the last name are dropped;
+//   - a path whose names Windows could not hold names nothing: it does not
+//     exist, cannot be opened, listed or made;
+//   - a path that does not exist as spelled is looked up without regard to
+//     case, name by name (an exact name wins, then the first in NTFS order);
+//     a path that exists as spelled costs nothing more;
+//   - an entry made where one of the same name in another case exists uses
+//     that one: a file is overwritten, a folder exists already.
+// Removals take the path as it stands first, so that whatever a listing gave
+// can be removed, even a name that Windows could not hold.
 #ifndef QV_PLATFORM_FILE_SYSTEM_H_
 #define QV_PLATFORM_FILE_SYSTEM_H_
 
@@ -15,7 +26,7 @@
 
 namespace quorvane::platform {
 
-// The UTF-8 form of a path, as the system takes it.
+// The UTF-8 form of a path, as it stands (no cleaning, no lookup).
 std::string NativePath(std::u16string_view path);
 // A UTF-8 name from the system, as text (bytes that are not UTF-8 become U+FFFD).
 std::u16string PathFromNative(std::string_view native);
@@ -23,8 +34,15 @@ std::u16string PathFromNative(std::string_view native);
 enum class MakeDirResult { kCreated, kExists, kFailed };
 
 // Makes one folder; the parent must exist.  kExists when the path is already
-// in use (by a folder or by a file).
+// in use (by a folder or by a file), in any case.
 MakeDirResult MakeDirectory(std::u16string_view path);
+
+// The path that the file calls reach for `path`, for handing to another program
+// (the archive tool), which knows nothing of Windows' rules: cleaned as Windows
+// cleans it and, where it names nothing as spelled, found without regard to
+// case (an existing entry), else with its folder found so (an entry to be made).
+// A path that cannot be cleaned is given back as it stands.
+std::u16string PathAsFound(std::u16string_view path);
 
 // Is the path in use (a symbolic link counts, even a dangling one)?
 bool PathExists(std::u16string_view path);
@@ -37,10 +55,14 @@ struct DirEntry {
   std::u16string name;
   bool is_directory = false;  // a real folder, not a link to one
   bool read_only = false;     // the owner may not write it
+  // Windows could hold this name (ntfs_names.h); a listing as Windows gives
+  // it has only these.  The others are listed so that a tree can be removed.
+  bool windows_name = true;
 };
 
-// The entries of one folder, without "." and "..", sorted by name in bytes so
-// that a listing is the same on every run.  False if the folder cannot be read.
+// The entries of one folder, without "." and "..", in NTFS order (names
+// compared after upper-casing, ntfs_names.h), as a listing on Windows comes.
+// False if the folder cannot be read.
 bool ListDirectory(std::u16string_view path, std::vector<DirEntry>* entries);
 
 // Gives the owner write permission.
@@ -50,8 +72,10 @@ bool RemoveFile(std::u16string_view path);
 // Removes one empty folder.
 bool RemoveDirectory(std::u16string_view path);
 
-// Copies one plain file; an existing target is overwritten.  False if the
-// source cannot be read or the target cannot be written completely.
+// Copies one plain file; an existing target is overwritten.  The copy keeps
+// the source's last-write time and, if the source is read-only, is made
+// read-only too.  False if the source cannot be read or the target cannot be
+// written completely.
 bool CopyFile(std::u16string_view source, std::u16string_view destination);
 
 // Reads a whole file.  False if it cannot be opened or read.

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/text_codec.h"
+#include "platform/win32_path.h"
 
 namespace quorvane::platform {
 namespace {
@@ -16,20 +17,38 @@ constexpr std::size_t kLongPath = PATH_MAX - 256;
 
 }  // namespace
 
-SystemPath::SystemPath(std::u16string_view path) : text_(Utf8FromUtf16(path)) { Shorten(); }
-
-SystemPath::SystemPath(std::string native) : text_(std::move(native)) { Shorten(); }
-
-SystemPath::~SystemPath() {
-  if (folder_ >= 0) ::close(folder_);
+SystemPath::SystemPath(std::u16string_view path) {
+  Win32Path clean = CleanWin32Path(path);
+  nameable_ = clean.nameable;
+  native_ = Utf8FromUtf16(clean.path);
+  Shorten();
 }
 
+SystemPath::SystemPath(std::string native) : native_(std::move(native)) { Shorten(); }
+
+SystemPath::~SystemPath() { Release(); }
+
 SystemPath::SystemPath(SystemPath&& other) noexcept
-    : text_(std::move(other.text_)), folder_(std::exchange(other.folder_, -1)) {}
+    : native_(std::move(other.native_)),
+      short_(std::move(other.short_)),
+      nameable_(other.nameable_),
+      folder_(std::exchange(other.folder_, -1)) {}
+
+void SystemPath::Reset(std::string native) {
+  Release();
+  native_ = std::move(native);
+  nameable_ = true;
+  Shorten();
+}
+
+void SystemPath::Release() {
+  if (folder_ >= 0) ::close(folder_);
+  folder_ = -1;
+}
 
 void SystemPath::Shorten() {
-  if (text_.size() < kLongPath) return;
-  std::string path = text_;
+  if (native_.size() < kLongPath) return;
+  std::string path = native_;
   while (path.size() > 1 && path.back() == '/') path.pop_back();
   const auto cut = path.rfind('/');
   if (cut == std::string::npos) return;  // one name: the system says what it thinks
@@ -50,7 +69,7 @@ void SystemPath::Shorten() {
   }
   if (folder < 0) return;  // a folder on the way is missing: the call fails as it would
   folder_ = folder;
-  text_ = "/proc/self/fd/" + std::to_string(folder_) + "/" + leaf;
+  short_ = "/proc/self/fd/" + std::to_string(folder_) + "/" + leaf;
 }
 
 }  // namespace quorvane::platform

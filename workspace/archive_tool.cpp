@@ -5,6 +5,7 @@
 
 #include "app/qv_conv_exception.h"
 #include "platform/extracted_names.h"
+#include "platform/file_system.h"
 #include "platform/file_lock.h"
 #include "platform/private_folder.h"
 #include "platform/process.h"
@@ -18,9 +19,12 @@ const char16_t kTool[] = u"7za";
 
 // The tool reads an argument that begins with "-" as a switch; a relative
 // path of that form is handed over as "./-name" so that it stays a path.
+// The path is given as the file calls find it (Windows' rules, any case), since
+// the tool looks names up by itself and knows nothing of them.
 std::u16string AsOperand(const std::u16string& path) {
-  if (!path.empty() && path[0] == u'-') return u"./" + path;
-  return path;
+  std::u16string found = platform::PathAsFound(path);
+  if (!found.empty() && found[0] == u'-') return u"./" + found;
+  return found;
 }
 
 // Runs the tool and waits; false when it could not be started.  "-y" answers
@@ -58,10 +62,11 @@ void UnpackArchive(const std::u16string& archive, const std::u16string& folder) 
   bool started = false;
   try {
     // The destination is emptied first, whatever the extraction then does.
-    if (!folder.empty()) DeleteTree(folder);
-    started = RunTool({u"x", AsOperand(archive), u"-o" + folder});
+    const std::u16string destination = folder.empty() ? folder : platform::PathAsFound(folder);
+    if (!destination.empty()) DeleteTree(destination);
+    started = RunTool({u"x", AsOperand(archive), u"-o" + destination});
     // What the tool could not settle is settled here, as far as it goes.
-    if (started) platform::FixExtractedNames(folder);
+    if (started) platform::FixExtractedNames(destination);
   } catch (const std::exception&) {
     ThrowCode(codes::kUnpackFailed);
   }

@@ -5,6 +5,7 @@
 #include "app/qv_conv_exception.h"
 #include "platform/file_system.h"
 #include "platform/tree_removal.h"
+#include "workspace/project_path.h"
 
 namespace quorvane::qvconv::converter {
 namespace {
@@ -16,6 +17,9 @@ std::u16string Join(const std::u16string& folder, const std::u16string& name) {
 void CopyEntries(const std::u16string& source, const std::u16string& destination,
                  const std::vector<platform::DirEntry>& entries) {
   for (const platform::DirEntry& entry : entries) {
+    // What Windows could not name is no file there (the stream that a copy
+    // of a downloaded file leaves beside it as "name:Zone.Identifier").
+    if (!entry.windows_name) continue;
     const std::u16string from = Join(source, entry.name);
     const std::u16string to = Join(destination, entry.name);
     if (entry.is_directory) {
@@ -53,8 +57,8 @@ std::vector<std::u16string> ListFiles(const std::u16string& folder) {
   std::vector<platform::DirEntry> entries;
   if (!platform::ListDirectory(folder, &entries)) return files;
   for (const platform::DirEntry& entry : entries) {
-    if (entry.is_directory || entry.name.empty() || entry.name[0] == u'.') continue;
-    std::u16string path = Join(folder, entry.name);
+    if (!entry.windows_name || entry.is_directory || entry.name[0] == u'.') continue;
+    std::u16string path = JoinPath(folder, entry.name);
     // A link to a folder is no plain file either.
     if (!platform::IsRegularFile(path)) {
       std::vector<platform::DirEntry> inside;

@@ -25,14 +25,17 @@ bool DeleteTree(const std::u16string& path);
 //   - A folder: its files go into `destination`, which must exist already (it
 //     is not made here, and if it is missing nothing of the first level
 //     arrives); its subfolders are made below `destination` and copied in turn.
-// A file that cannot be copied is passed over without a failure.  A standard
-// exception along the way throws code -4.
+//     Entries whose names Windows could not hold are no files: not copied.
+// Copies keep their source's last-write time and read-only flag.  A file that
+// cannot be copied is passed over without a failure.  A standard exception
+// along the way throws code -4.
 void CopyTree(const std::u16string& source, const std::u16string& destination);
 
-// The full paths ("<folder>/<name>") of the plain files in one folder, in the
-// order of the listing (by name).  Names beginning with "." and folders are
-// left out; subfolders are not descended into.  A folder that cannot be
-// listed gives an empty list.
+// The full paths ("<folder>\<name>") of the plain files in one folder, in the
+// order of a listing on Windows (NTFS order: names compared after
+// upper-casing).  Names beginning with "." and folders are left out, and so
+// are names that Windows could not hold; subfolders are not descended into.
+// A folder that cannot be listed gives an empty list.
 std::vector<std::u16string> ListFiles(const std::u16string& folder);
 
 }  // namespace quorvane::qvconv::converter

@@ -1,7 +1,9 @@
-// Paths as the project files give them.  Project files were written on a
-// system whose separator is the backslash; here both "\" and "/" cut a path,
-// and a relative path from a file has its backslashes turned into "/" when it
-// is joined to a folder.
+// Paths as the project files give them, joined and cut as the format does it.
+// A project is made on Windows: a name read from one of its files is joined to
+// its folder with a backslash, and the format's own cuts (the name of a file,
+// the name of its folder) are made at the last backslash only.  A "/" inside
+// such a name is part of the name to these cuts, while the file system takes
+// "\" and "/" alike as separators when the path is opened (file_system.h).
 #ifndef QV_WORKSPACE_PROJECT_PATH_H_
 #define QV_WORKSPACE_PROJECT_PATH_H_
 
@@ -10,18 +12,11 @@
 
 namespace quorvane::qvconv::converter {
 
-// `relative` with every backslash turned into "/".
-std::u16string WithForwardSlashes(std::u16string_view relative);
-
-// folder + "/" + relative, the relative part with forward slashes.
+// folder + "\" + relative.
 std::u16string JoinPath(std::u16string_view folder, std::u16string_view relative);
 
-// The part behind the last "\" or "/" (all of it when there is none).
+// The part behind the last "\" (all of it when there is none).
 std::u16string FileNameOf(std::u16string_view path);
-
-// True when a "/"- or "\"-separated part of the path is "..": such a path
-// may lead out of the folder that it is joined to.
-bool HasParentStep(std::u16string_view path);
 
 }  // namespace quorvane::qvconv::converter
 

@@ -31,15 +31,18 @@ TEST_F(CheckReport, ScheduleFindingsOutcomesAndReport) {
   p_.Schedule({ScheduleEntry(DateFromToday(-2), "TimeTable_a.csv", "true"), ScheduleEntry("2035/01/02", "時間表b.csv")});
   EXPECT_EQ(Check().status, 1);
   EXPECT_TRUE(WorkFolders(temp_).empty()) << "warnings only: the work folder is removed";
-  // The language attribute is constant; a CheckData for every checked file.
+  // The language attribute is constant; a CheckData for every checked file,
+  // named as the project folder and a backslash and the name.
   std::string outline = Outline(Report());
   for (size_t at; (at = outline.find(project_)) != std::string::npos;) outline.replace(at, project_.size(), "P");
   EXPECT_EQ(outline,
             "QvConvCheck language=ja version=1.0\n CheckInfo\n  Checker version=1.0\n  CheckFileInfo src=P\n"
-            "   CheckFile src=P/Schedule.csv\n   CheckFile src=P/TimeTable_a.csv\n   CheckFile src=P/時間表b.csv\n"
-            " CheckResult\n  CheckData kind=schedule src=P/Schedule.csv\n"
+            "   CheckFile src=P\\Schedule.csv\n   CheckFile src=P\\TimeTable_a.csv\n"
+            "   CheckFile src=P\\時間表b.csv\n"
+            " CheckResult\n  CheckData kind=schedule src=P\\Schedule.csv\n"
             "   Result id=SC0301 kind=W: There is a schedule in the past. Does not play.\n"
-            "  CheckData kind=timetable src=P/TimeTable_a.csv\n  CheckData kind=timetable src=P/時間表b.csv\n");
+            "  CheckData kind=timetable src=P\\TimeTable_a.csv\n"
+            "  CheckData kind=timetable src=P\\時間表b.csv\n");
 
   // The interrupt files are checked after the time tables, with one finding
   // however many there are; an error leaves the work folder.
@@ -49,7 +52,8 @@ TEST_F(CheckReport, ScheduleFindingsOutcomesAndReport) {
   EXPECT_EQ(WorkFolders(temp_).size(), 1u);
   EXPECT_EQ(Findings(Report(), {1}), "schedule SC0301 W  \ninterrupt EP0000 E  : Not support the special program table.\n");
   const std::string files = Outline(Report().At("CheckInfo"));  // one interrupt file, the last
-  EXPECT_EQ(files.find("CheckFile src=" + project_ + "/Interrupt_"), files.rfind("CheckFile")) << files;
+  EXPECT_EQ(files.find("CheckFile src=" + project_ + "\\Interrupt_"), files.rfind("CheckFile"))
+      << files;
 }
 
 // The program must fit the display region given with -td and start at its corner.

@@ -22,8 +22,8 @@ TEST_F(ConversionPackage, SampleConvertsAndChecksCleanly) {
   EXPECT_EQ(ZipMembers(zip_), kCleanMembers);
   EXPECT_TRUE(WorkFolders(temp_).empty());
 
-  // -check after -package wins: a check-only run, which never finds its telop
-  // here and so may stop early, but never with a finding.
+  // -check after -package wins: a check-only run, whose telop rule stops at
+  // the project folder (its path has no backslash) and so finds the telop.
   RemoveAll(zip_);
   EXPECT_EQ(RunQv({kSample, "-package" + zip_, "-check" + report_}, RunEnv(temp_)).status, 0);
   EXPECT_FALSE(Exists(report_));

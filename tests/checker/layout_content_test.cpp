@@ -97,8 +97,9 @@ std::string Utf16Le(const std::string& utf8) {
 std::string CheckTelop(const std::string& bytes, const std::string& name = "t.tlp") {
   CheckerHarness h;
   WriteFile(h.dir.Sub("proj/contents/t.tlp"), bytes);
+  h.Csv("proj/P/information/contents_5_001.csv", {"..\\\\contents\\\\" + name, "4,,,,0x0"});
   const std::int32_t code =
-      h.Check(ChContentsInfo, h.Csv("proj/P/information/contents_5_001.csv", {"..\\\\contents\\\\" + name, "4,,,,0x0"}));
+      h.Check(ChContentsInfo, h.dir.Sub("proj") + "\\P\\information\\contents_5_001.csv");
   return h.Kinds() + (code ? " =" + std::to_string(code) : "");
 }
 

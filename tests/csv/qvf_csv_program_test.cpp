@@ -40,10 +40,13 @@ std::string Line2(const std::string& kind, const std::string& fx = "0") {
 class CsvProgram : public ::testing::Test {
  protected:
   void SetUp() override { reader_.index().addProgramId(u"P"); }
-  // Writes a file below folder P (code page 932) and gives its path.
+  // Writes a file below folder P (code page 932) and gives its path as the
+  // pipeline joins it: "<scratch>\P\<name>".
   std::u16string Write(const std::string& name, const std::string& utf8) {
-    qvtest::WriteFile(dir_.Sub("P/" + name), qvtest::Cp932(utf8));
-    return U16(dir_.Sub("P/" + name));
+    std::string physical = name;
+    for (char& c : physical) c = c == '\\' ? '/' : c;
+    qvtest::WriteFile(dir_.Sub("P/" + physical), qvtest::Cp932(utf8));
+    return U16(dir_.path() + "\\P\\" + name);
   }
   // The item of one contents file, described; "" when there is none.
   std::string Item(const std::string& utf8) {
@@ -58,7 +61,7 @@ class CsvProgram : public ::testing::Test {
 
 TEST_F(CsvProgram, ReadTakesFrameAndPanesByNumber) {
   reader_.index().addProgramId(u"番組");
-  // A backslash cuts the path as a slash does. Lines 9, 7 and the exact
+  // The folder name stands behind the last backslash but one. Lines 9, 7 and the exact
   // "false" give no pane, "FALSE" and "" do not skip; one file is one playlist.
   auto p = reader_.readProgram(
       Write("番組\\program.csv",
@@ -118,7 +121,8 @@ TEST_F(CsvProgram, PlaceholderOnlyBeforeTheFirstItems) {
   Write("playlist_1.csv", ""), Write("playlist_2.csv", "information\\\\\\\\c1.csv\n"), Write("playlist_3.csv", "");
   std::string all;
   for (const char* name : {"playlist_1.csv", "playlist_2.csv", "playlist_3.csv"})
-    for (const auto& item : reader_.readPlaylist(U16(dir_.Sub("P/") + name)).contents) all += Describe(*item) + ";";
+    for (const auto& item : reader_.readPlaylist(U16(dir_.path() + "\\P\\" + name)).contents)
+      all += Describe(*item) + ";";
   EXPECT_EQ(all + Item("\n7,00:00:09\n"), "2 00:00:00 0 0 0x445566;2 00:00:09 0 0 0x112233");
 }
 

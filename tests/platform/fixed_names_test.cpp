@@ -191,10 +191,14 @@ TEST_F(FixedNames, PlainFileInsideIsReachedWithoutLinks) {
   auto inner = [&] { qvtest::MakeDirs(name_ + "/QvFormat"); };
   const std::vector<std::pair<const char*, std::function<void()>>> cases = {
       {"link to a file",
-       [&] { inner(), ::symlink((elsewhere + "/QvS.xml").c_str(), marker.c_str()); }},
+       [&] {
+         inner();
+         EXPECT_EQ(::symlink((elsewhere + "/QvS.xml").c_str(), marker.c_str()), 0);
+       }},
       {"folder", [&] { qvtest::MakeDirs(marker); }},
       {"pipe", [&] { inner(), ::mkfifo(marker.c_str(), 0600); }},
-      {"folder is a link", [&] { ::symlink(elsewhere.c_str(), (name_ + "/QvFormat").c_str()); }},
+      {"folder is a link",
+       [&] { EXPECT_EQ(::symlink(elsewhere.c_str(), (name_ + "/QvFormat").c_str()), 0); }},
       {"missing", inner},
   };
   for (const auto& [what, make] : cases) {

@@ -1,0 +1,203 @@
+// Projects made on Windows, then renamed, padded, moved or copied as users do: each converts as it
+// does on Windows, where names have no case, a trailing blank is dropped and a listing holds only
+// what can be a file name there.
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <functional>
+#include <map>
+
+#include "tests/blackbox/project_builder.h"
+
+namespace qvtest {
+namespace {
+
+namespace fs = std::filesystem;
+
+class WindowsProjects : public BlackBoxTest {
+ protected:
+  // Every file of a package, by its path inside it.
+  std::map<std::string, std::string> Members(const std::string& zip) {
+    const std::string folder = scratch_.Sub("unzipped" + std::to_string(++unzipped_));
+    MakeDirs(folder);
+    Unzip(zip, folder);
+    std::map<std::string, std::string> out;
+    for (const std::string& file : FilesBelow(folder)) out[file] = ReadFile(folder + "/" + file);
+    return out;
+  }
+  // The names of the members that are missing from `got`, extra or different.
+  static std::string Differences(const std::map<std::string, std::string>& want,
+                                 const std::map<std::string, std::string>& got) {
+    std::string out;
+    for (const auto& [name, bytes] : want)
+      if (!got.count(name) || got.at(name) != bytes) out += name + " ";
+    for (const auto& [name, bytes] : got)
+      if (!want.count(name)) out += "+" + name + " ";
+    return out;
+  }
+  void Rename(const std::string& from, const std::string& to) {
+    fs::rename(p_.Path(from), p_.Path(to));
+  }
+  int unzipped_ = 0;
+};
+
+// Names changed as a user changes them on Windows: the package is the same, to the byte.
+TEST_F(WindowsProjects, RenamedOrPaddedNamesConvertWhole) {
+  BuildCleanProject(p_);
+  ASSERT_EQ(Package().status, 0);
+  const auto reference = Members(zip_);
+  const std::string pristine = scratch_.Sub("pristine");
+  fs::copy(project_, pristine, fs::copy_options::recursive);
+  struct Case {
+    const char* what;
+    std::function<void()> change;
+    std::string input = {};
+  };
+  const Case cases[] = {
+      {"a time table stored in another case",
+       [&] { Rename("TimeTable_weekend.csv", "timetable_WEEKEND.csv"); }},
+      {"a program folder and its information folder in another case",
+       [&] {
+         Rename("Program_ads", "PROGRAM_ADS");
+         Rename("PROGRAM_ADS/information", "PROGRAM_ADS/Information");
+       }},
+      {"the content folder and a content file in another case",
+       [&] { Rename("contents", "Contents"), Rename("Contents/photo.jpeg", "Contents/PHOTO.Jpeg"); }},
+      {"names in cells padded with a blank or a dot",
+       [&] {
+         p_.Schedule({ScheduleEntry("2035/01/01", "平日.csv", "true"),
+                      ScheduleEntry("2035/01/02", "TimeTable_weekend.csv "),
+                      ScheduleEntry("2035/01/03", "平日.csv")},
+                     "Schedule.csv", "サンプル スケジュール");
+         p_.TimeTable("平日.csv", "平日の番組表",
+                      {ProgramLine("09:00:00", "12:00:00", "ニュース番組"),
+                       ProgramLine("12:00:00", "18:00:00", "Program_ads."),
+                       CommandLine("18:00:00", "3", "HDMI1")});
+         p_.TimeTable("TimeTable_weekend.csv", "Weekend",
+                      {ProgramLine("10:00:00", "20:00:00", "Program_ads.")});
+         p_.File("Program_ads/playlist_1.csv", CsvBytes({{"information\\contents_1_001.csv  "},
+                                                          {"information\\contents_1_002.csv."}}));
+       }},
+      {"a step through a folder that is not there",
+       [&] {
+         p_.File("Program_ads/playlist_1.csv",
+                 CsvBytes({{"information\\old\\..\\contents_1_001.csv"},
+                           {"information/./contents_1_002.csv"}}));
+       }},
+      {"the project folder named in another case", [] {}, "PROJECT"},
+  };
+  for (const Case& c : cases) {
+    RemoveAll(project_), RemoveAll(zip_);
+    fs::copy(pristine, project_, fs::copy_options::recursive);
+    c.change();
+    const RunResult r = Package(c.input.empty() ? "" : scratch_.Sub(c.input));
+    EXPECT_EQ(r.status, 0) << c.what << r.output;
+    EXPECT_EQ(Differences(reference, Members(zip_)), "") << c.what;
+  }
+}
+
+// A listing holds what Windows lists, in its order; the prefixes of the format keep their case.
+TEST_F(WindowsProjects, ListingAsWindowsGivesIt) {
+  BuildTimeTableProject(p_);
+  // What a copy of a downloaded project leaves beside each file is no second schedule.
+  p_.File("Schedule.csv:Zone.Identifier", "[ZoneTransfer]\r\nZoneId=3\r\n");
+  p_.File("Interrupt_x.csv:Zone.Identifier", "");
+  RunResult r = Package();
+  EXPECT_EQ(r.status, 0) << r.output;
+  EXPECT_TRUE(Exists(zip_));
+
+  // Of two interrupt files the first in NTFS order is named, whatever their case.
+  p_.File("Interrupt_Fire.csv", ""), p_.File("Interrupt_alarm.csv", "");
+  EXPECT_EQ(Check().status, 2);
+  const XmlNode files = Report().At("CheckInfo").At("CheckFileInfo");
+  ASSERT_EQ(files.All("CheckFile").size(), 4u);
+  EXPECT_EQ(files.children.back().Attr("src"), project_ + "\\Interrupt_alarm.csv");
+
+  // "schedule.csv" is no schedule file, on Windows either.
+  RemoveAll(report_);
+  fs::rename(p_.Path("Schedule.csv"), p_.Path("schedule.csv"));
+  EXPECT_EQ(Check().status, Status(-101));
+}
+
+// A "/" inside a name from a project file is part of that name, as on Windows; a program kept in a
+// subfolder still finds its playlists and contents.
+TEST_F(WindowsProjects, SlashInsideANameIsPartOfIt) {
+  p_.Schedule({ScheduleEntry("2035/05/05", "TimeTable_1.csv", "true")});
+  p_.TimeTable("TimeTable_1.csv", "T", {ProgramLine("08:00:00", "09:00:00", "Programs/Lobby")});
+  p_.Program("Programs/Lobby", {.panes = {Pane{1}}});
+  p_.Playlist("Programs/Lobby", 1, {MovieItem("clip.mp4")});
+  p_.Content("clip.mp4", kMovieBytes);
+  const RunResult r = Package();
+  ASSERT_EQ(r.status, 0) << r.output;
+  EXPECT_EQ(Doc("QvP/PG1/PG1.xml").Attr("i"), "PG1");
+  EXPECT_EQ(Doc("QvP/PG1/PL1.xml").At("m").Attr("rc"), "CT1");
+  EXPECT_EQ(ReadFile(Extracted() + "/QvC/CT1.mp4"), kMovieBytes);
+}
+
+// Content kept beside the project ("..\..\media\logo.png" from a program folder) goes into the
+// package, as on Windows, and its playlist still names it.
+TEST_F(WindowsProjects, ContentBesideTheProjectIsPacked) {
+  p_.Schedule({ScheduleEntry("2035/05/05", "TimeTable_1.csv", "true")});
+  p_.TimeTable("TimeTable_1.csv", "T", {ProgramLine("08:00:00", "09:00:00", "Program_1")});
+  p_.Program("Program_1", {.panes = {Pane{1}}});
+  Item shared = ImageItem("x"), own = MovieItem("clip.mp4");
+  shared.path_cell = "..\\..\\media\\logo.png";
+  p_.Playlist("Program_1", 1, {shared, own});
+  p_.Content("clip.mp4", kMovieBytes);
+  WriteFile(scratch_.Sub("media/logo.png"), "shared logo");
+  const RunResult r = Package();
+  ASSERT_EQ(r.status, 0) << r.output;
+  EXPECT_EQ(FilesBelow(Extracted() + "/QvC"), (std::vector<std::string>{"CT1.png", "CT2.mp4"}));
+  EXPECT_EQ(ReadFile(Extracted() + "/QvC/CT1.png"), "shared logo");
+  EXPECT_EQ(Doc("QvP/PG1/PL1.xml").At("i").Attr("rc"), "CT1");
+}
+
+// Content copies keep the times of the user's files, both ways, and a folder made on the way back
+// where one of another case stands is that folder.
+TEST_F(WindowsProjects, CopiesKeepTheirTimesAndFoldersAreNotMadeTwice) {
+  BuildCleanProject(p_);
+  const time_t when = 1614834368;  // 2021-03-04, an even second for the zip's clock
+  const struct timespec times[2] = {{when, 0}, {when, 0}};
+  ASSERT_EQ(::utimensat(AT_FDCWD, p_.Path("contents/オープニング.mp4").c_str(), times, 0), 0);
+  ASSERT_EQ(Package().status, 0);
+  auto mtime = [](const std::string& path) {
+    struct stat st;
+    return ::stat(path.c_str(), &st) == 0 ? st.st_mtim.tv_sec : 0;
+  };
+  EXPECT_NEAR(mtime(Extracted() + "/QvC/CT3.mp4"), when, 2);
+
+  const std::string back = scratch_.Sub("back");
+  MakeDirs(back + "/Contents");
+  const RunResult r = Unpackage(zip_, back);
+  ASSERT_EQ(r.status, 0) << r.output;
+  EXPECT_FALSE(Exists(back + "/contents")) << "the contents go into the folder that is there";
+  EXPECT_NEAR(mtime(back + "/Contents/CT3.mp4"), when, 2);
+  EXPECT_EQ(ReadFile(back + "/Contents/CT3.mp4"), kMovieBytes);
+}
+
+// The archive tool knows nothing of case: it is given the package and the destination as the
+// program finds them, so a package typed in another case opens, into the folder that is there.
+TEST_F(WindowsProjects, PackageAndDestinationTypedInAnotherCaseOpen) {
+  BuildCleanProject(p_);
+  ASSERT_EQ(Package().status, 0);
+  const std::string typed = scratch_.Sub("PKG.ZIP");
+  fs::rename(zip_, scratch_.Sub("pkg.zip"));
+  const std::string back = scratch_.Sub("Back");
+  MakeDirs(back);
+  const RunResult r = Unpackage(typed, scratch_.Sub("BACK"));
+  ASSERT_EQ(r.status, 0) << r.output;
+  EXPECT_FALSE(Exists(scratch_.Sub("BACK")));
+  EXPECT_EQ(ReadFile(back + "/contents/CT3.mp4"), kMovieBytes);
+
+  // A plain archive typed so empties the folder that is there and fills it.
+  ZipFolderContents(back, scratch_.Sub("plain.zip"));
+  WriteFile(back + "/stale.txt", "stale");
+  ASSERT_EQ(Unpackage(scratch_.Sub("Plain.Zip"), scratch_.Sub("BACK")).status, 0);
+  EXPECT_FALSE(Exists(scratch_.Sub("BACK")));
+  EXPECT_FALSE(Exists(back + "/stale.txt"));
+  EXPECT_EQ(ReadFile(back + "/contents/CT3.mp4"), kMovieBytes);
+}
+
+}  // namespace
+}  // namespace qvtest

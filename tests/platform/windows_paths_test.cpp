@@ -1,0 +1,179 @@
+// Paths taken as Windows takes them on NTFS: the cleanup of the text, names compared without regard
+// to case, what a listing gives and in which order, and what copies keep.
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "platform/file_system.h"
+#include "platform/ntfs_names.h"
+#include "platform/win32_path.h"
+#include "tests/support/test_support.h"
+
+namespace quorvane::platform {
+namespace {
+
+using qvtest::ScratchDir;
+using qvtest::U16;
+using qvtest::U8;
+
+TEST(Win32PathCleanup, TextBeforeTheDisk) {
+  const std::pair<std::u16string, std::string> cases[] = {
+      {u"C\\proj\\Schedule.csv", "C/proj/Schedule.csv"},
+      {u"/p//x\\\\y/", "/p/x/y/"},
+      {u"/p/old\\..\\x.csv", "/p/x.csv"},  // on the text: "old" need not exist
+      {u"/p/./a/./b/../c", "/p/a/c"},
+      {u"/p/../../../etc", "/etc"},  // never above the root
+      {u"../../a/../b", "../../b"},  // a relative path keeps its leading steps
+      {u"a/..", "."},
+      {u"/p/name.csv . .", "/p/name.csv"},           // the last name loses trailing dots and spaces
+      {u"/p/Folder./Sub../x", "/p/Folder/Sub../x"},  // an inner name one dot, a single one only
+      {u"/p/Folder /x", "/p/Folder /x"},
+      {u"/p/last . /", "/p/last/"},
+      {u"/p/... /x/...", "/p/... /x"},  // dots and blanks never become a step up
+      {u"/p/ ../x", "/p/ ../x"},
+      {u"", ""},
+  };
+  for (const auto& [in, out] : cases) {
+    const Win32Path clean = CleanWin32Path(in);
+    EXPECT_EQ(U8(clean.path), out) << U8(in);
+    EXPECT_TRUE(clean.nameable) << U8(in);
+  }
+  for (const char16_t* bad : {u"/p/Schedule.csv:Zone.Identifier", u"/p/a<b/x", u"/p/a?",
+                              u"/p/*.csv", u"/p/a|b", u"/p/\"q\"", u"/p/tab\there"}) {
+    EXPECT_FALSE(CleanWin32Path(bad).nameable) << U8(bad);
+  }
+}
+
+TEST(NtfsNames, CaseOrderAndWhatANameMayHold) {
+  const std::pair<std::u16string, std::u16string> same[] = {
+      {u"TimeTable_weekend.csv", u"timetable_WEEKEND.csv"},
+      {u"ÆBLE_ÿ.csv", u"æble_Ÿ.CSV"},
+      {u"Ωμέγα", u"ΩΜΈΓΑ"},
+      {u"Москва", u"МОСКВА"},
+      {u"ａｂｃ", u"ＡＢＣ"},
+      {u"ŀő", u"ĿŐ"}};
+  for (const auto& [a, b] : same) EXPECT_TRUE(NtfsSameName(a, b)) << U8(a);
+  const std::pair<std::u16string, std::u16string> different[] = {
+      {u"ı", u"I"}, {u"ß", u"SS"}, {u"a", u"ａ"}, {u"番組", u"番組 "}, {u"é", u"e"}};
+  for (const auto& [a, b] : different) EXPECT_FALSE(NtfsSameName(a, b)) << U8(a);
+
+  // Upper-cased first, then by the units themselves: "alarm" before "Fire", "B" before "b".
+  std::vector<std::u16string> names = {
+      u"b", u"Interrupt_Fire.csv", u"_x", u"B", u"Interrupt_alarm.csv", u"Interrupt", u"z", u"ｚ",
+      u"é"};
+  std::sort(names.begin(), names.end(),
+            [](const auto& a, const auto& b) { return NtfsLess(a, b); });
+  std::string order;
+  for (const auto& n : names) order += U8(n) + " ";
+  EXPECT_EQ(order, "B b Interrupt Interrupt_alarm.csv Interrupt_Fire.csv z _x é ｚ ");
+
+  for (const char16_t* good : {u"a", u"..x", u"a b.csv", u"番組", u".hidden"})
+    EXPECT_TRUE(IsWindowsName(good));
+  for (const char16_t* bad : {u"", u".", u"..", u"a.", u"a ", u"a:b", u"a\\b", u"a/b", u"\x1f"})
+    EXPECT_FALSE(IsWindowsName(bad)) << U8(bad);
+}
+
+// A project as Windows left it, then renamed here: each path asked for, and the file it opens.
+TEST(WindowsLookup, PathsOpenWhatWindowsOpens) {
+  ScratchDir dir;
+  const std::string p = dir.path();
+  for (const auto& [file, text] : std::vector<std::pair<std::string, std::string>>{
+           {"Project/timetable_WEEKEND.csv", "weekend"},
+           {"Project/Program_Ads/program.csv", "ads"},
+           {"Project/both/A.txt", "upper"},
+           {"Project/both/a.txt", "lower"},
+           {"Project/Ærø/Ōsaka.csv", "latin"},
+           {"Project/ＦＵＬＬ.txt", "wide"},
+           {"Project/I.txt", "capital i"},
+           {"Project/Schedule.csv:Zone.Identifier", "ads"},
+           {"Project/plain", "a file"}})
+    qvtest::WriteFile(p + "/" + file, text);
+  const std::pair<std::string, std::string> cases[] = {
+      {"\\Project\\TimeTable_weekend.csv", "weekend"},
+      {"/project/program_ads\\PROGRAM.CSV", "ads"},
+      {"/PROJECT/old\\..\\Timetable_Weekend.csv . ", "weekend"},
+      {"/Project/Program_Ads./program.csv", "ads"},
+      {"/Project/both/a.txt", "lower"},  // an exact name wins
+      {"/Project/BOTH/a.txt", "lower"},
+      {"/Project/both/A.TXT", "upper"},  // else the first in NTFS order
+      {"/project/æRØ/ōSAKA.CSV", "latin"},
+      {"/Project/ｆｕｌｌ.TXT", "wide"},
+      {"/Project/ı.txt", ""},                         // dotless i is no I
+      {"/Project/Schedule.csv:Zone.Identifier", ""},  // no such name on Windows
+      {"/Project/missing.csv", ""},
+      {"/Project/PLAIN/x", ""},  // runs through a file
+  };
+  for (const auto& [asked, opened] : cases) {
+    std::string bytes;
+    EXPECT_EQ(ReadFile(U16(p + asked), &bytes), !opened.empty()) << asked;
+    EXPECT_EQ(bytes, opened) << asked;
+    EXPECT_EQ(PathExists(U16(p + asked)), !opened.empty()) << asked;
+  }
+  EXPECT_TRUE(IsDirectory(U16(p + "/project/PROGRAM_ADS/")));
+  std::vector<DirEntry> entries;
+  EXPECT_TRUE(ListDirectory(U16(p + "\\PROJECT\\program_ads"), &entries));
+  EXPECT_EQ(entries.size(), 1u);
+
+  // What is made where the name exists in another case uses what is there.
+  EXPECT_EQ(MakeDirectory(U16(p + "/project/PROGRAM_ADS")), MakeDirResult::kExists);
+  EXPECT_EQ(MakeDirectory(U16(p + "/PROJECT/program_ads/Information")), MakeDirResult::kCreated);
+  EXPECT_EQ(MakeDirectory(U16(p + "/PROJECT/program_ads/INFORMATION")), MakeDirResult::kExists);
+  EXPECT_TRUE(WriteFile(U16(p + "/project/TIMETABLE_weekend.csv"), "new"));
+  EXPECT_TRUE(
+      CopyFile(U16(p + "/Project/I.txt"), U16(p + "/project/program_ads/information/X.txt")));
+  EXPECT_TRUE(WriteFile(U16(p + "/project/program_ads/INFORMATION/x.TXT"), "again"));
+  EXPECT_EQ(qvtest::ListDir(p + "/Project/Program_Ads"),
+            (std::vector<std::string>{"Information/", "program.csv"}));
+  EXPECT_EQ(qvtest::ListDir(p + "/Project/Program_Ads/Information"),
+            std::vector<std::string>{"X.txt"});
+  EXPECT_EQ(qvtest::ReadFile(p + "/Project/Program_Ads/Information/X.txt"), "again");
+  EXPECT_EQ(qvtest::ReadFile(p + "/Project/timetable_WEEKEND.csv"), "new");
+  EXPECT_FALSE(qvtest::Exists(p + "/Project/TIMETABLE_weekend.csv"));
+  // Nothing is made under a name that Windows cannot hold.
+  EXPECT_FALSE(WriteFile(U16(p + "/Project/report:1.xml"), "x"));
+  EXPECT_EQ(MakeDirectory(U16(p + "/Project/a?")), MakeDirResult::kFailed);
+}
+
+TEST(WindowsLookup, ListingOrderNamesAndRemovalOfWhatWindowsCannotName) {
+  ScratchDir dir;
+  for (const char* name : {"Interrupt_Fire.csv", "Interrupt_alarm.csv", "Schedule.csv",
+                           "Schedule.csv:Zone.Identifier", "b", "B", "x.", "x"})
+    qvtest::WriteFile(dir.Sub(name), name);
+  std::vector<DirEntry> entries;
+  ASSERT_TRUE(ListDirectory(U16(dir.path()), &entries));
+  std::string listed;
+  for (const DirEntry& e : entries) listed += U8(e.name) + (e.windows_name ? " " : "(no) ");
+  EXPECT_EQ(
+      listed,
+      "B b Interrupt_alarm.csv Interrupt_Fire.csv Schedule.csv Schedule.csv:Zone.Identifier(no) "
+      "x x.(no) ");
+  // A tree is removed whole: each listed name as it stands.
+  for (const DirEntry& e : entries)
+    EXPECT_TRUE(RemoveFile(U16(dir.path()) + u"/" + e.name)) << U8(e.name);
+  EXPECT_TRUE(qvtest::ListDir(dir.path()).empty());
+}
+
+TEST(WindowsLookup, CopyKeepsLastWriteTimeAndReadOnlyFlag) {
+  ScratchDir dir;
+  qvtest::WriteFile(dir.Sub("src.mp4"), "movie");
+  qvtest::WriteFile(dir.Sub("rw.png"), "image");
+  const struct timespec when[2] = {{1600000000, 0}, {1614834368, 500000000}};
+  ASSERT_EQ(::utimensat(AT_FDCWD, dir.Sub("src.mp4").c_str(), when, 0), 0);
+  ASSERT_EQ(::chmod(dir.Sub("src.mp4").c_str(), 0444), 0);
+  ASSERT_TRUE(CopyFile(U16(dir.Sub("src.mp4")), U16(dir.Sub("CT1.mp4"))));
+  ASSERT_TRUE(CopyFile(U16(dir.Sub("rw.png")), U16(dir.Sub("CT2.png"))));
+  struct stat copy, plain;
+  ASSERT_EQ(::stat(dir.Sub("CT1.mp4").c_str(), &copy), 0);
+  EXPECT_EQ(copy.st_mtim.tv_sec, 1614834368);
+  EXPECT_EQ(copy.st_mtim.tv_nsec, 500000000);
+  EXPECT_EQ(copy.st_mode & 0222, 0u);
+  ASSERT_EQ(::stat(dir.Sub("CT2.png").c_str(), &plain), 0);
+  EXPECT_NE(plain.st_mode & 0200, 0u);
+  EXPECT_EQ(qvtest::ReadFile(dir.Sub("CT1.mp4")), "movie");
+}
+
+}  // namespace
+}  // namespace quorvane::platform
