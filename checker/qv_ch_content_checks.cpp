@@ -100,8 +100,8 @@ TelopText ReadTelop(const std::u16string& path) {
     mark = converter::ReadByteOrderMark(path);  // throws "cannot open file"
     if (!platform::ReadFile(path, &bytes)) throw std::runtime_error("cannot open file");
   } catch (const std::exception&) {
-    converter::run_log::Loss("telop", path,
-                             "cannot be opened: the check stops here, with no report and no output");
+    converter::run_log::Loss(
+        "telop", path, "cannot be opened: the check stops here, with no report and no output");
     throw;
   }
   TelopText telop;

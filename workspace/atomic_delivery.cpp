@@ -7,6 +7,7 @@
 #include "app/qv_conv_exception.h"
 #include "platform/atomic_file.h"
 #include "platform/file_system.h"
+#include "platform/system_info.h"
 #include "workspace/archive_tool.h"
 #include "workspace/run_log.h"
 
@@ -57,6 +58,8 @@ void PackFolderWhole(const std::u16string& folder, const std::u16string& archive
   }
   const std::u16string zip = ZipPathOf(archive);
   const std::u16string partial = zip + u".partial";
+  // Runs of one output path take turns on its temporary.
+  const platform::FileLock lock(partial + u".lock");
   // What a killed run left behind: the temporary, and the tool's own
   // temporary of an archive that it was adding to.
   platform::RemoveFile(partial);
@@ -69,6 +72,7 @@ void PackFolderWhole(const std::u16string& folder, const std::u16string& archive
   try {
     status = PackFolder(folder, partial, compress);
   } catch (QvConvException*) {
+    run_log::Cause("cannot pack (the archive tool did not start) into", zip);
     platform::RemoveFile(partial);
     throw;
   }

@@ -5,9 +5,10 @@
 // A package is made by the archive tool under "<zip>.partial" beside the
 // destination zip and renamed over it when the tool has ended well.  Since the
 // tool adds to an archive that exists, an archive at the destination is first
-// copied to the temporary, and stays untouched until the rename.  What a
-// killed run left under that name is removed by the next run of the same
-// output path.
+// copied to the temporary, and stays untouched until the rename.  Runs of one
+// output path take turns through a lock on "<zip>.partial.lock", and what a
+// killed run left under these names is removed or taken over by the next run
+// of the same output path.
 //
 // A tree is copied file by file, each file through a temporary name in its
 // folder (platform/atomic_file.h): a killed copy leaves whole files, and

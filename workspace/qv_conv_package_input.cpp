@@ -7,6 +7,7 @@
 #include "platform/system_info.h"
 #include "workspace/archive_tool.h"
 #include "workspace/file_tree.h"
+#include "workspace/run_log.h"
 
 namespace quorvane::qvconv::converter {
 
@@ -55,6 +56,7 @@ void QvConvPackageInput::Unpack() {
 
 void QvConvPackageInput::MakeUnpackFolders() {
   for (const std::u16string& folder : {UnzipFolder(), ConvFolder()}) {
+    run_log::Step("make folder", folder);
     if (platform::MakeDirectory(folder) == platform::MakeDirResult::kFailed) {
       ThrowCode(codes::kCannotCreate);
     }
