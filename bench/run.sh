@@ -6,7 +6,9 @@
 #                             side with `cp -r` + `7za a -tzip` of the project
 #   bench/run.sh scenario     2,000 programs (22,000 contents files), and the
 #                             same with 200 programs for the growth ratio
-#   bench/run.sh all          the three in turn
+#   bench/run.sh log          the 2,000-program scenario without and with
+#                             -log, alternately, 3 runs each: the log's cost
+#   bench/run.sh all          the first three in turn
 #
 # QV_BIN names the program (default: build/qvConvApp, built by ./qv build).
 # BENCH_DIR is where the projects and packages go (default: a fresh folder
@@ -81,10 +83,31 @@ bench_scenario() {
     'BEGIN { if (s > 0) printf "growth T(2000) / T(200) = %.2f (target <= 11)\n", l / s }'
 }
 
+bench_log() {
+  echo "== the 2,000-program scenario without and with -log (target: at most 1.05 x)"
+  python3 bench/make_project.py scenario "$BENCH_DIR/scenario2000"
+  local plain=() logged=()
+  for i in 1 2 3; do
+    package "qvConvApp -package, run $i" "$BENCH_DIR/scenario2000" "$BENCH_DIR/s2000.zip"
+    plain+=("$SECONDS_TAKEN")
+    rm -f "$BENCH_DIR/run.log"
+    rm -f "$BENCH_DIR/s2000.zip"
+    measure "qvConvApp -package -log, run $i" "$QV_BIN" "$BENCH_DIR/scenario2000" \
+      "-package$BENCH_DIR/s2000.zip" "-log$BENCH_DIR/run.log"
+    logged+=("$SECONDS_TAKEN")
+  done
+  echo "log: $(wc -l < "$BENCH_DIR/run.log") lines, $(du -h "$BENCH_DIR/run.log" | cut -f1)"
+  printf '%s\n' "${plain[@]}" | sort -n | sed -n 2p > "$BENCH_DIR/plain.median"
+  printf '%s\n' "${logged[@]}" | sort -n | sed -n 2p > "$BENCH_DIR/logged.median"
+  awk -v p="$(cat "$BENCH_DIR/plain.median")" -v l="$(cat "$BENCH_DIR/logged.median")" \
+    'BEGIN { printf "median with -log / without = %.3f (target <= 1.05)\n", l / p }'
+}
+
 case "${1:-all}" in
   timetables) bench_timetables ;;
   content) bench_content ;;
   scenario) bench_scenario ;;
+  log) bench_log ;;
   all) bench_timetables; bench_content; bench_scenario ;;
-  *) echo "usage: $0 timetables|content|scenario|all" >&2; exit 2 ;;
+  *) echo "usage: $0 timetables|content|scenario|log|all" >&2; exit 2 ;;
 esac

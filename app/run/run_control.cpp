@@ -101,6 +101,8 @@ void ReadArgument(const std::u16string& argument, Options* options) {
     if (options->log_seen) ThrowCode(codes::kBadCommandLine);
     options->log_seen = true;
     options->log = OptionValue(kLog, argument);
+    // A log needs a file: "-log''" names none.
+    if (options->log.empty()) ThrowCode(codes::kBadCommandLine);
   } else {
     ThrowCode(codes::kBadCommandLine);
   }
