@@ -6,7 +6,7 @@ that the destination is never left with a part of a result.
 
 A project with large content files is made with make_project.py.  One
 complete run of each kind gives the reference and its duration T; then N runs
-of each kind are started and killed at N moments spread evenly over 1.1 x T:
+of each kind are started and killed at N moments spread evenly over 1.25 x T:
 
   -package<zip>      the destination either holds what it held before (no
                      zip, or an older package that the new run would add to)
@@ -155,7 +155,7 @@ def check_way_back(folder, reference):
 
 
 def spread(moments, duration):
-    return [1.1 * duration * (i + 0.5) / moments for i in range(moments)]
+    return [1.25 * duration * (i + 0.5) / moments for i in range(moments)]
 
 
 def package_kills(runner, work, project, moments):

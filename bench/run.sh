@@ -7,7 +7,8 @@
 #   bench/run.sh scenario     2,000 programs (22,000 contents files), and the
 #                             same with 200 programs for the growth ratio
 #   bench/run.sh log          the 2,000-program scenario without and with
-#                             -log, alternately, 3 runs each: the log's cost
+#                             -log, alternately, 5 runs each (LOG_RUNS): the
+#                             log's cost
 #   bench/run.sh all          the first three in turn
 #
 # QV_BIN names the program (default: build/qvConvApp, built by ./qv build).
@@ -31,7 +32,7 @@ mkdir -p "$TMPDIR"
 
 # measure <label> <command...>: runs the command under GNU time, prints the
 # wall time, the peak memory and the exit code on one line, and leaves the
-# seconds in $SECONDS_TAKEN.
+# seconds in $SECONDS_TAKEN and the CPU seconds (user + system) in $CPU_TAKEN.
 measure() {
   local label=$1; shift
   local log="$BENCH_DIR/time.log"
@@ -41,6 +42,7 @@ measure() {
   wall=$(sed -n 's/.*Elapsed (wall clock) time (h:mm:ss or m:ss): //p' "$log")
   rss=$(sed -n 's/.*Maximum resident set size (kbytes): //p' "$log")
   SECONDS_TAKEN=$(echo "$wall" | awk -F: '{ s = 0; for (i = 1; i <= NF; i++) s = s * 60 + $i; print s }')
+  CPU_TAKEN=$(awk -F': ' '/User time|System time/ { s += $2 } END { print s }' "$log")
   printf '%-40s %8.2f s  %8.1f MiB peak  exit %s\n' "$label" "$SECONDS_TAKEN" \
     "$(echo "$rss" | awk '{ print $1 / 1024 }')" "$code"
 }
@@ -83,24 +85,27 @@ bench_scenario() {
     'BEGIN { if (s > 0) printf "growth T(2000) / T(200) = %.2f (target <= 11)\n", l / s }'
 }
 
+# The median of the numbers given.
+median() { printf '%s\n' "$@" | sort -g | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }'; }
+
 bench_log() {
-  echo "== the 2,000-program scenario without and with -log (target: at most 1.05 x)"
+  local runs=${LOG_RUNS:-5}
+  echo "== the 2,000-program scenario without and with -log, $runs runs each (target: at most 1.05 x)"
   python3 bench/make_project.py scenario "$BENCH_DIR/scenario2000"
-  local plain=() logged=()
-  for i in 1 2 3; do
+  local wall=() wall_log=() cpu=() cpu_log=()
+  for i in $(seq "$runs"); do
     package "qvConvApp -package, run $i" "$BENCH_DIR/scenario2000" "$BENCH_DIR/s2000.zip"
-    plain+=("$SECONDS_TAKEN")
-    rm -f "$BENCH_DIR/run.log"
-    rm -f "$BENCH_DIR/s2000.zip"
+    wall+=("$SECONDS_TAKEN") cpu+=("$CPU_TAKEN")
+    rm -f "$BENCH_DIR/run.log" "$BENCH_DIR/s2000.zip"
     measure "qvConvApp -package -log, run $i" "$QV_BIN" "$BENCH_DIR/scenario2000" \
       "-package$BENCH_DIR/s2000.zip" "-log$BENCH_DIR/run.log"
-    logged+=("$SECONDS_TAKEN")
+    wall_log+=("$SECONDS_TAKEN") cpu_log+=("$CPU_TAKEN")
   done
   echo "log: $(wc -l < "$BENCH_DIR/run.log") lines, $(du -h "$BENCH_DIR/run.log" | cut -f1)"
-  printf '%s\n' "${plain[@]}" | sort -n | sed -n 2p > "$BENCH_DIR/plain.median"
-  printf '%s\n' "${logged[@]}" | sort -n | sed -n 2p > "$BENCH_DIR/logged.median"
-  awk -v p="$(cat "$BENCH_DIR/plain.median")" -v l="$(cat "$BENCH_DIR/logged.median")" \
-    'BEGIN { printf "median with -log / without = %.3f (target <= 1.05)\n", l / p }'
+  awk -v w="$(median "${wall[@]}")" -v wl="$(median "${wall_log[@]}")" \
+      -v c="$(median "${cpu[@]}")" -v cl="$(median "${cpu_log[@]}")" 'BEGIN {
+    printf "median wall %.2f s without, %.2f s with -log: %.3f (target <= 1.05)\n", w, wl, wl / w
+    printf "median CPU %.2f s without, %.2f s with -log: %.3f\n", c, cl, cl / c }'
 }
 
 case "${1:-all}" in

@@ -10,7 +10,7 @@
 namespace quorvane::qvconv::converter {
 
 void MakeFolder(const std::u16string& path, ExistingFolder existing) {
-  run_log::Step("make folder", path);
+  run_log::Attempt("make folder", path);
   switch (platform::MakeDirectory(path)) {
     case platform::MakeDirResult::kCreated:
       return;

@@ -56,7 +56,7 @@ void QvConvPackageInput::Unpack() {
 
 void QvConvPackageInput::MakeUnpackFolders() {
   for (const std::u16string& folder : {UnzipFolder(), ConvFolder()}) {
-    run_log::Step("make folder", folder);
+    run_log::Attempt("make folder", folder);
     if (platform::MakeDirectory(folder) == platform::MakeDirResult::kFailed) {
       ThrowCode(codes::kCannotCreate);
     }

@@ -69,7 +69,7 @@ void Logged(Body body) noexcept {
 
 std::string Timestamp() {
   const std::tm now = platform::LocalNow();
-  char text[32];
+  char text[80];  // room for any int in each field
   std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", now.tm_year + 1900,
                 now.tm_mon + 1, now.tm_mday, now.tm_hour, now.tm_min, now.tm_sec);
   return text;
@@ -160,6 +160,13 @@ void Step(std::string_view verb, std::u16string_view from, std::u16string_view t
     g_log->step_verb = verb;
     g_log->step_path = Quoted(from);
     Write(g_log->step_verb + " " + g_log->step_path + " to " + Quoted(to));
+  });
+}
+
+void Attempt(std::string_view verb, std::u16string_view path) {
+  Logged([&] {
+    g_log->step_verb = verb;
+    g_log->step_path = Quoted(path);
   });
 }
 

@@ -9,6 +9,7 @@
 // Every line begins with "[<process id>] ", so that runs sharing one log can
 // be told apart.  The lines, in the order of a run:
 //   start 2024-01-31 23:59:59: qvConvApp "<argument>" ...
+//   work in "<folder>"              the work folder of the run
 //   check "<path>"                  the checker walks a file
 //   read "<path>"                   a reader takes a file
 //   write "<path>"                  a file of the result is written
@@ -39,6 +40,9 @@ void Close();
 // when the run fails.
 void Step(std::string_view verb, std::u16string_view path);
 void Step(std::string_view verb, std::u16string_view from, std::u16string_view to);
+// A step that writes no line of its own (a folder made on the way), but is
+// named by the exit line when it fails.
+void Attempt(std::string_view verb, std::u16string_view path);
 
 // A loss that the format passes over without a code:
 // the line "<what> "<path>" <why>".
