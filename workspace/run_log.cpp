@@ -10,7 +10,6 @@
 #include "platform/file_system.h"
 #include "platform/process.h"
 #include "platform/system_info.h"
-#include "platform/text_codec.h"
 
 namespace quorvane::qvconv::converter::run_log {
 namespace {
@@ -18,41 +17,76 @@ namespace {
 struct Log {
   platform::AppendOnlyFile file;
   std::string prefix;  // "[<process id>] "
+  std::string line;    // the line being made, kept for its room
   std::string step_verb;
-  std::string step_path;  // quoted, as the step line has it
-  std::string cause;      // the exit line's text, when set
-  std::string stopped;    // why a run ends early with 0
+  std::u16string step_path;
+  std::string cause;    // the exit line's text, when set
+  std::string stopped;  // why a run ends early with 0
 };
 
 // The one log of the process; null without a log, and after it failed.
 Log* g_log = nullptr;
 
-// A path between quotes, in UTF-8; a control character (a line end in a file
-// name) is written as \xNN, so that one event stays one line.
-std::string Quoted(std::u16string_view path) {
-  std::string text = "\"";
-  for (char c : platform::Utf8FromUtf16(path)) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x20 || byte == 0x7f) {
+// Appends a path between quotes, in UTF-8.  A control character (a line end
+// in a file name) is written as \xNN, so that one event stays one line; a
+// lone surrogate becomes U+FFFD.
+void AppendQuoted(std::string& out, std::u16string_view path) {
+  out += '"';
+  for (std::size_t i = 0; i < path.size(); ++i) {
+    char32_t c = path[i];
+    if (c < 0x20 || c == 0x7f) {
       char escaped[5];
-      std::snprintf(escaped, sizeof escaped, "\\x%02x", byte);
-      text += escaped;
+      std::snprintf(escaped, sizeof escaped, "\\x%02x", static_cast<unsigned>(c));
+      out += escaped;
+      continue;
+    }
+    if (c >= 0xD800 && c <= 0xDBFF && i + 1 < path.size() && path[i + 1] >= 0xDC00 &&
+        path[i + 1] <= 0xDFFF) {
+      c = 0x10000 + ((c - 0xD800) << 10) + (path[++i] - 0xDC00);
+    } else if (c >= 0xD800 && c <= 0xDFFF) {
+      c = 0xFFFD;
+    }
+    if (c < 0x80) {
+      out += static_cast<char>(c);
+    } else if (c < 0x800) {
+      out += static_cast<char>(0xC0 | (c >> 6));
+      out += static_cast<char>(0x80 | (c & 0x3F));
+    } else if (c < 0x10000) {
+      out += static_cast<char>(0xE0 | (c >> 12));
+      out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+      out += static_cast<char>(0x80 | (c & 0x3F));
     } else {
-      text += c;
+      out += static_cast<char>(0xF0 | (c >> 18));
+      out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
+      out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+      out += static_cast<char>(0x80 | (c & 0x3F));
     }
   }
-  return text + "\"";
+  out += '"';
 }
 
-// Appends one line.  A log that cannot take it is let go for the rest of the
-// run; nothing of it reaches the caller.
-void Write(std::string_view line) {
+std::string Quoted(std::u16string_view path) {
   std::string text;
-  text.reserve(g_log->prefix.size() + line.size() + 1);
-  text += g_log->prefix;
-  text += line;
-  text += '\n';
-  if (!g_log->file.Append(text)) Close();
+  AppendQuoted(text, path);
+  return text;
+}
+
+// The line being made, begun with the prefix.
+std::string& NewLine() {
+  g_log->line.assign(g_log->prefix);
+  return g_log->line;
+}
+
+// Appends the line made.  A log that cannot take it is let go for the rest
+// of the run; nothing of it reaches the caller.
+void WriteLine() {
+  g_log->line += '\n';
+  if (!g_log->file.Append(g_log->line)) Close();
+}
+
+void Remember(std::string_view verb, std::u16string_view path) {
+  g_log->step_verb.assign(verb);
+  g_log->step_path.assign(path);
 }
 
 // Runs `body` only with a log, and keeps every failure of its own (memory)
@@ -99,9 +133,9 @@ std::string_view FailureText(std::int32_t code) {
 }
 
 std::string ExitText(std::int32_t code, bool by_failure) {
-  const std::string step = g_log->step_verb.empty()
-                                ? std::string("the start")
-                                : g_log->step_verb + " " + g_log->step_path;
+  const std::string path = Quoted(g_log->step_path);
+  const std::string step =
+      g_log->step_verb.empty() ? std::string("the start") : g_log->step_verb + " " + path;
   switch (code) {
     case codes::kErrorsFound:
       return "the check found errors: nothing was delivered";
@@ -118,7 +152,7 @@ std::string ExitText(std::int32_t code, bool by_failure) {
   }
   if (!g_log->cause.empty()) return g_log->cause;
   std::string text(FailureText(code));
-  if (!g_log->step_path.empty()) text += " " + g_log->step_path;
+  if (!g_log->step_verb.empty()) text += " " + path;
   return text;
 }
 
@@ -132,9 +166,13 @@ void Open(const std::u16string& path, const std::vector<std::u16string>& argumen
     if (!log->file.Open(path)) return;
     log->prefix = "[" + std::to_string(platform::CurrentProcessId()) + "] ";
     g_log = log.release();
-    std::string line = "start " + Timestamp() + ":";
-    for (const std::u16string& argument : arguments) line += " " + Quoted(argument);
-    Write(line);
+    std::string& line = NewLine();
+    line += "start " + Timestamp() + ":";
+    for (const std::u16string& argument : arguments) {
+      line += ' ';
+      AppendQuoted(line, argument);
+    }
+    WriteLine();
   } catch (const std::exception&) {
     Close();
   }
@@ -149,29 +187,42 @@ void Close() {
 
 void Step(std::string_view verb, std::u16string_view path) {
   Logged([&] {
-    g_log->step_verb = verb;
-    g_log->step_path = Quoted(path);
-    Write(g_log->step_verb + " " + g_log->step_path);
+    Remember(verb, path);
+    std::string& line = NewLine();
+    line += verb;
+    line += ' ';
+    AppendQuoted(line, path);
+    WriteLine();
   });
 }
 
 void Step(std::string_view verb, std::u16string_view from, std::u16string_view to) {
   Logged([&] {
-    g_log->step_verb = verb;
-    g_log->step_path = Quoted(from);
-    Write(g_log->step_verb + " " + g_log->step_path + " to " + Quoted(to));
+    Remember(verb, from);
+    std::string& line = NewLine();
+    line += verb;
+    line += ' ';
+    AppendQuoted(line, from);
+    line += " to ";
+    AppendQuoted(line, to);
+    WriteLine();
   });
 }
 
 void Attempt(std::string_view verb, std::u16string_view path) {
-  Logged([&] {
-    g_log->step_verb = verb;
-    g_log->step_path = Quoted(path);
-  });
+  Logged([&] { Remember(verb, path); });
 }
 
 void Loss(std::string_view what, std::u16string_view path, std::string_view why) {
-  Logged([&] { Write(std::string(what) + " " + Quoted(path) + " " + std::string(why)); });
+  Logged([&] {
+    std::string& line = NewLine();
+    line += what;
+    line += ' ';
+    AppendQuoted(line, path);
+    line += ' ';
+    line += why;
+    WriteLine();
+  });
 }
 
 void LossIfMissing(std::string_view what, std::u16string_view path, std::string_view why) {
@@ -182,8 +233,11 @@ void LossIfMissing(std::string_view what, std::u16string_view path, std::string_
 
 void LineTooLong(std::size_t number) {
   Logged([&] {
-    Write("line " + std::to_string(number) + " of " + g_log->step_path +
-          " is longer than 1,023 bytes: the read of the file ends before it");
+    std::string& line = NewLine();
+    line += "line " + std::to_string(number) + " of ";
+    AppendQuoted(line, g_log->step_path);
+    line += " is longer than 1,023 bytes: the read of the file ends before it";
+    WriteLine();
   });
 }
 
@@ -199,7 +253,11 @@ void Stopped(std::string_view why) {
 }
 
 void Finish(std::int32_t code, bool by_failure) {
-  Logged([&] { Write("exit " + std::to_string(code) + ": " + ExitText(code, by_failure)); });
+  Logged([&] {
+    const std::string text = ExitText(code, by_failure);
+    NewLine() += "exit " + std::to_string(code) + ": " + text;
+    WriteLine();
+  });
   Close();
 }
 
