@@ -110,7 +110,7 @@ bool CopyFileWhole(std::u16string_view source, std::u16string_view destination) 
     ::close(in);
     return false;
   }
-  bool ok = CopyAll(in, out) && SyncDescriptor(out);
+  bool ok = CopyAll(in, out);
   ::close(in);
   if (::close(out) != 0) ok = false;
   if (ok) ok = ::rename(partial.c_str(), SystemPath(destination).c_str()) == 0;

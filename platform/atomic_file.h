@@ -1,10 +1,13 @@
 // Files that reach their place whole or not at all.
 //
-// A file is copied under a temporary name in the folder of its destination,
-// its data is flushed to the disk, and only then is it renamed over the
-// destination.  Whoever looks at the destination, at any moment, finds what
-// was there before or the whole new file, never a part of it: also when the
-// process is killed or the machine loses power half way.
+// A file is copied under a temporary name in the folder of its destination
+// and only then renamed over the destination.  Whoever looks at the
+// destination, at any moment, finds what was there before or the whole new
+// file, never a part of it, also when the process is killed half way or the
+// disk fills.  The copy is not flushed to the disk one file at a time (that
+// would double the time of a way back of many files): a file that must also
+// outlive a power cut is flushed by its caller with SyncFile before the
+// rename, as the package is.
 //
 // The temporary name is fixed for a destination: "<folder>/.<name>.partial".
 // It is hidden, so that a listing of project files passes it over, and the
@@ -23,7 +26,7 @@ namespace quorvane::platform {
 std::u16string PartialPathOf(std::u16string_view destination);
 
 // Copies the plain file `source` (a link to one is followed) to `destination`
-// through its temporary path.  False if the source is no readable plain file
+// through its temporary path, renamed when it is whole.  False if the source is no readable plain file
 // or anything of the copy failed; the destination is then as it was, and the
 // temporary is removed.
 bool CopyFileWhole(std::u16string_view source, std::u16string_view destination);
