@@ -4,8 +4,9 @@ that the destination is never left with a part of a result.
 
   kill_test.py [--moments N] [--bin PATH] [--files F] [--size BYTES] [--keep]
 
-A project with large content files is made with make_project.py.  One
-complete run of each kind gives the reference and its duration T; then N runs
+A project with large content files is made with make_project.py.  Complete
+runs of each kind give the reference and its duration T (the median of
+three); then N runs
 of each kind are started and killed at N moments spread evenly over 1.25 x T:
 
   -package<zip>      the destination either holds what it held before (no
@@ -71,6 +72,16 @@ class Runner:
         began = time.monotonic()
         code = self.start(*args).wait()
         return code, time.monotonic() - began
+
+    def typical(self, before, *args):
+        """Three complete runs (`before` called ahead of each): the exit code
+        of the last and the median duration, since a single run on a busy
+        machine can be much faster or slower than the killed ones."""
+        results = []
+        for _ in range(3):
+            before()
+            results.append(self.complete(*args))
+        return results[-1][0], sorted(d for _, d in results)[1]
 
     @staticmethod
     def kill_after(process, seconds):
@@ -160,7 +171,12 @@ def spread(moments, duration):
 
 def package_kills(runner, work, project, moments):
     reference_zip = os.path.join(work, "reference.zip")
-    code, duration = runner.complete(project, "-package" + reference_zip)
+
+    def no_reference():
+        if os.path.exists(reference_zip):
+            os.remove(reference_zip)
+
+    code, duration = runner.typical(no_reference, project, "-package" + reference_zip)
     if code != 0:
         sys.exit("the reference conversion ended with %d" % code)
     with zipfile.ZipFile(reference_zip) as z:
@@ -204,8 +220,12 @@ def package_kills(runner, work, project, moments):
 
 def way_back_kills(runner, work, package, moments):
     reference_folder = os.path.join(work, "reference_back")
-    os.makedirs(reference_folder)
-    code, duration = runner.complete(package, "-unpackage" + reference_folder)
+
+    def fresh_reference():
+        shutil.rmtree(reference_folder, ignore_errors=True)
+        os.makedirs(reference_folder)
+
+    code, duration = runner.typical(fresh_reference, package, "-unpackage" + reference_folder)
     if code != 0:
         sys.exit("the reference way back ended with %d" % code)
     reference = {STAMP.sub("S", r): s for r, s in files_below(reference_folder).items()}
