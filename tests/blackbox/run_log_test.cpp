@@ -140,10 +140,9 @@ TEST_F(RunLog, AccountOfAConversionAndAWayBack) {
   std::string log = PackageLog(0);
   EXPECT_EQ(log.rfind("[", 0), 0u);
   EXPECT_LOGGED(log, "] start ");
-  EXPECT_LOGGED(log, Quoted(project_) + " " + Quoted("-package" + zip_) + " " +
-                         Quoted("-log" + log_) + "\n");
   for (const std::string& step :
-       {"check " + Path("Schedule.csv"), "read " + Path("Schedule.csv"),
+       {Quoted(project_) + " " + Quoted("-package" + zip_) + " " + Quoted("-log" + log_) + "\n",
+        "check " + Path("Schedule.csv"), "read " + Path("Schedule.csv"),
         "copy " + Path("contents/オープニング.mp4"),
         "deliver " + Quoted(zip_ + ".partial") + " to " + Quoted(zip_)}) {
     EXPECT_LOGGED(log, step);
@@ -152,14 +151,9 @@ TEST_F(RunLog, AccountOfAConversionAndAWayBack) {
   MakeDirs(back);
   ASSERT_EQ(RunQv({zip_, "-unpackage" + back, "-log" + log_}, RunEnv(temp_)).status, 0);
   log = ReadFile(log_);
-  EXPECT_LOGGED(log, "exit 0: finished\n");
+  EXPECT_LOGGED(log, "exit 0: finished\n[");  // the first run's last line, then the second's
   EXPECT_LOGGED(log, " to " + Quoted(back + "/contents/CT3.mp4"));
   EXPECT_EQ(ExitLine(log), "exit 0: finished");
-  int starts = 0;
-  for (auto at = log.find("] start "); at != std::string::npos; at = log.find("] start ", at + 1)) {
-    ++starts;
-  }
-  EXPECT_EQ(starts, 2);
 }
 
 // A log that cannot be opened or written: the run ends exactly as without a log.

@@ -76,45 +76,45 @@ TEST(AppendOnlyFile, AppendsAndNeverHurtsItsCaller) {
   ScratchDir dir;
   const std::string log = dir.Sub("log.txt");
   WriteFile(log, "earlier\n");
-  {
-    AppendOnlyFile file;
-    ASSERT_TRUE(file.Open(U16(log)));
-    EXPECT_TRUE(file.Append("one\n"));
-    EXPECT_TRUE(file.Append("two\n"));
-  }
+  AppendOnlyFile file;
+  ASSERT_TRUE(file.Open(U16(log)));
+  EXPECT_TRUE(file.Append("one\n") && file.Append("two\n"));
   EXPECT_EQ(ReadFile(log), "earlier\none\ntwo\n");
 
-  AppendOnlyFile file;
   EXPECT_FALSE(file.Open(U16(dir.path())));  // a folder
   EXPECT_FALSE(file.Append("nowhere\n"));
   ASSERT_TRUE(file.Open(u"/dev/full"));
   EXPECT_FALSE(file.Append("no room\n"));
-  // A pipe without a reader does not open (it would block); one whose reader
-  // has gone fails the write and raises no SIGPIPE that would end us.
-  const std::string fifo = dir.Sub("fifo");
-  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
-  EXPECT_FALSE(file.Open(U16(fifo)));
-  {
-    std::ifstream reader;
-    std::thread open_reader([&] { reader.open(fifo); });
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    for (int i = 0; i < 100 && !file.Open(U16(fifo)); ++i) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    open_reader.join();
-    ASSERT_TRUE(file.IsOpen());
-    EXPECT_TRUE(file.Append("heard\n"));
-  }  // the reader goes
+  // A pipe whose reader has gone fails the write and raises no SIGPIPE that
+  // would end us; a pipe without a reader does not open (it would block).
+  int ends[2];
+  ASSERT_EQ(::pipe(ends), 0);
+  const std::string pipe = "/proc/self/fd/" + std::to_string(ends[1]);
+  ASSERT_TRUE(file.Open(U16(pipe)));
+  EXPECT_TRUE(file.Append("heard\n"));
+  ::close(ends[0]);
   EXPECT_FALSE(file.Append("unheard\n"));
+  ::close(ends[1]);
+  ASSERT_EQ(::mkfifo(dir.Sub("fifo").c_str(), 0600), 0);
+  EXPECT_FALSE(file.Open(U16(dir.Sub("fifo"))));
 }
 
-// The pid of a process, when it still runs (not gone, not a zombie).
+// Polls `done` for up to five seconds.
+template <typename Done>
+bool Within5s(Done done) {
+  for (int i = 0; i < 500; ++i) {
+    if (done()) return true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  return false;
+}
+
+// Whether a process still runs (a zombie that nobody has reaped runs no more).
 bool Runs(pid_t pid) {
   std::ifstream stat("/proc/" + std::to_string(pid) + "/stat");
   std::string text((std::istreambuf_iterator<char>(stat)), std::istreambuf_iterator<char>());
-  const auto close = text.rfind(')');
-  return close != std::string::npos && close + 2 < text.size() && text[close + 2] != 'Z' &&
-         text[close + 2] != 'X';
+  const auto state = text.rfind(')') + 2;
+  return state < text.size() && text[state] != 'Z' && text[state] != 'X';
 }
 
 TEST(Process, AStartedProgramEndsWithItsCaller) {
@@ -123,28 +123,17 @@ TEST(Process, AStartedProgramEndsWithItsCaller) {
   const pid_t caller = ::fork();
   ASSERT_GE(caller, 0);
   if (caller == 0) {
-    const std::u16string script = U16("echo $$ > '" + pid_file + "'.tmp; mv '" + pid_file +
-                                      "'.tmp '" + pid_file + "'; exec sleep 30");
-    RunProcess({u"sh", u"-c", script});
+    RunProcess({u"sh", u"-c", U16("echo $$ > " + pid_file + ".tmp; mv " + pid_file + ".tmp " +
+                                  pid_file + "; exec sleep 30")});
     ::_exit(0);
   }
-  std::string pid_text;
-  for (int i = 0; i < 500 && pid_text.empty(); ++i) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    if (Exists(pid_file)) pid_text = ReadFile(pid_file);
-  }
-  ASSERT_FALSE(pid_text.empty());
-  const pid_t tool = std::stoi(pid_text);
+  ASSERT_TRUE(Within5s([&] { return Exists(pid_file); }));
+  const pid_t tool = std::stoi(ReadFile(pid_file));
   EXPECT_TRUE(Runs(tool));
   ::kill(caller, SIGKILL);
   ::waitpid(caller, nullptr, 0);
-  bool ended = false;
-  for (int i = 0; i < 200 && !ended; ++i) {
-    ended = !Runs(tool);
-    if (!ended) std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  EXPECT_TRUE(ended) << "the started program outlived its killed caller";
-  if (!ended) ::kill(tool, SIGKILL);
+  EXPECT_TRUE(Within5s([&] { return !Runs(tool); })) << "the program outlived its killed caller";
+  ::kill(tool, SIGKILL);
 }
 
 }  // namespace
