@@ -90,7 +90,8 @@ median() { printf '%s\n' "$@" | sort -g | awk '{ v[NR] = $1 } END { print v[int(
 
 bench_log() {
   local runs=${LOG_RUNS:-5}
-  echo "== the 2,000-program scenario without and with -log, $runs runs each (target: at most 1.05 x)"
+  echo "== the 2,000-program scenario without and with -log, $runs runs each" \
+    "(target: at most 1.05 x)"
   python3 bench/make_project.py scenario "$BENCH_DIR/scenario2000"
   local wall=() wall_log=() cpu=() cpu_log=()
   for i in $(seq "$runs"); do

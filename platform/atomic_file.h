@@ -26,9 +26,9 @@ namespace quorvane::platform {
 std::u16string PartialPathOf(std::u16string_view destination);
 
 // Copies the plain file `source` (a link to one is followed) to `destination`
-// through its temporary path, renamed when it is whole.  False if the source is no readable plain file
-// or anything of the copy failed; the destination is then as it was, and the
-// temporary is removed.
+// through its temporary path, renamed when it is whole.  False if the source
+// is no readable plain file or anything of the copy failed; the destination
+// is then as it was, and the temporary is removed.
 bool CopyFileWhole(std::u16string_view source, std::u16string_view destination);
 
 // Flushes the data of a written file to the disk.
