@@ -9,7 +9,10 @@
 #   bench/run.sh telop        -check of a project whose telop holds 8 MiB and
 #                             32 MiB of text without a line feed, side by
 #                             side with one decoding of the 32 MiB file
-#   bench/run.sh all          the four in turn
+#   bench/run.sh log          the 2,000-program scenario without and with
+#                             -log, alternately, 5 runs each (LOG_RUNS): the
+#                             log's cost
+#   bench/run.sh all          timetables, content, scenario and telop in turn
 #
 # QV_BIN names the program (default: build/qvConvApp, built by ./qv build).
 # BENCH_DIR is where the projects and packages go (default: a fresh folder
@@ -32,7 +35,7 @@ mkdir -p "$TMPDIR"
 
 # measure <label> <command...>: runs the command under GNU time, prints the
 # wall time, the peak memory and the exit code on one line, and leaves the
-# seconds in $SECONDS_TAKEN.
+# seconds in $SECONDS_TAKEN and the CPU seconds (user + system) in $CPU_TAKEN.
 measure() {
   local label=$1; shift
   local log="$BENCH_DIR/time.log"
@@ -42,6 +45,7 @@ measure() {
   wall=$(sed -n 's/.*Elapsed (wall clock) time (h:mm:ss or m:ss): //p' "$log")
   rss=$(sed -n 's/.*Maximum resident set size (kbytes): //p' "$log")
   SECONDS_TAKEN=$(echo "$wall" | awk -F: '{ s = 0; for (i = 1; i <= NF; i++) s = s * 60 + $i; print s }')
+  CPU_TAKEN=$(awk -F': ' '/User time|System time/ { s += $2 } END { print s }' "$log")
   printf '%-40s %8.2f s  %8.1f MiB peak  exit %s\n' "$label" "$SECONDS_TAKEN" \
     "$(echo "$rss" | awk '{ print $1 / 1024 }')" "$code"
 }
@@ -104,11 +108,36 @@ bench_telop() {
     if (o > 0) printf "check / one decoding of the file = %.2f\n", l / o }'
 }
 
+# The median of the numbers given.
+median() { printf '%s\n' "$@" | sort -g | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }'; }
+
+bench_log() {
+  local runs=${LOG_RUNS:-5}
+  echo "== the 2,000-program scenario without and with -log, $runs runs each" \
+    "(target: at most 1.05 x)"
+  python3 bench/make_project.py scenario "$BENCH_DIR/scenario2000"
+  local wall=() wall_log=() cpu=() cpu_log=()
+  for i in $(seq "$runs"); do
+    package "qvConvApp -package, run $i" "$BENCH_DIR/scenario2000" "$BENCH_DIR/s2000.zip"
+    wall+=("$SECONDS_TAKEN") cpu+=("$CPU_TAKEN")
+    rm -f "$BENCH_DIR/run.log" "$BENCH_DIR/s2000.zip"
+    measure "qvConvApp -package -log, run $i" "$QV_BIN" "$BENCH_DIR/scenario2000" \
+      "-package$BENCH_DIR/s2000.zip" "-log$BENCH_DIR/run.log"
+    wall_log+=("$SECONDS_TAKEN") cpu_log+=("$CPU_TAKEN")
+  done
+  echo "log: $(wc -l < "$BENCH_DIR/run.log") lines, $(du -h "$BENCH_DIR/run.log" | cut -f1)"
+  awk -v w="$(median "${wall[@]}")" -v wl="$(median "${wall_log[@]}")" \
+      -v c="$(median "${cpu[@]}")" -v cl="$(median "${cpu_log[@]}")" 'BEGIN {
+    printf "median wall %.2f s without, %.2f s with -log: %.3f (target <= 1.05)\n", w, wl, wl / w
+    printf "median CPU %.2f s without, %.2f s with -log: %.3f\n", c, cl, cl / c }'
+}
+
 case "${1:-all}" in
   timetables) bench_timetables ;;
   content) bench_content ;;
   scenario) bench_scenario ;;
   telop) bench_telop ;;
+  log) bench_log ;;
   all) bench_timetables; bench_content; bench_scenario; bench_telop ;;
-  *) echo "usage: $0 timetables|content|scenario|telop|all" >&2; exit 2 ;;
+  *) echo "usage: $0 timetables|content|scenario|telop|log|all" >&2; exit 2 ;;
 esac

@@ -14,6 +14,7 @@
 #include "platform/file_system.h"
 #include "platform/text_codec.h"
 #include "workspace/project_path.h"
+#include "workspace/run_log.h"
 #include "workspace/text_conversion.h"
 
 namespace quorvane::qvconv::checker {
@@ -98,9 +99,16 @@ void ForEachLine(const Text& text, typename Text::value_type end, std::size_t ma
 }
 
 TelopText ReadTelop(const std::u16string& path) {
-  const int mark = converter::ReadByteOrderMark(path);  // throws "cannot open file"
+  int mark = 0;
   std::string bytes;
-  if (!platform::ReadFile(path, &bytes)) throw std::runtime_error("cannot open file");
+  try {
+    mark = converter::ReadByteOrderMark(path);  // throws "cannot open file"
+    if (!platform::ReadFile(path, &bytes)) throw std::runtime_error("cannot open file");
+  } catch (const std::exception&) {
+    converter::run_log::Loss(
+        "telop", path, "cannot be opened: the check stops here, with no report and no output");
+    throw;
+  }
   TelopText telop;
   if (mark == 1) {
     // UTF-16 little-endian after its mark, lines ending in LF.

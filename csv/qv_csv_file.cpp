@@ -7,6 +7,7 @@
 
 #include "app/qv_conv_exception.h"
 #include "platform/file_system.h"
+#include "workspace/run_log.h"
 #include "workspace/text_conversion.h"
 
 namespace quorvane::qvconv::io::csv {
@@ -91,6 +92,7 @@ void QvCsvFile::ReadBytes(std::string_view bytes) {
     // Read as text: a CR LF pair is one line end.
     if (has_line_end && !line.empty() && line.back() == '\r') line.remove_suffix(1);
     // A line too long for the line buffer ends the read; the rows so far stay.
+    if (line.size() > kMaxLineBytes) converter::run_log::LineTooLong(rows.size() + 1);
     if (line.size() > kMaxLineBytes) break;
     line = line.substr(0, line.find('\0'));
     rows.push_back(SplitLine(converter::WideFromCp932(line)));
@@ -121,6 +123,7 @@ std::string QvCsvFile::WriteBytes() const {
 
 void QvCsvFile::WriteFile(const std::u16string& path) const {
   try {
+    converter::run_log::Step("write", path);
     platform::OutputFile file;
     if (!file.Open(path)) ThrowCode(codes::kCannotCreate);
     file.Append(WriteBytes());

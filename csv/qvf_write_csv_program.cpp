@@ -14,6 +14,7 @@
 #include "model/qvf_text_forms.h"
 #include "platform/file_system.h"
 #include "workspace/project_path.h"
+#include "workspace/run_log.h"
 
 namespace quorvane::qvconv::io::csv {
 
@@ -152,6 +153,7 @@ void QvFWriteCsv::outputPlaylistFile(std::int32_t index, std::u16string folder, 
       for (const auto& item : playlist->contents) all_blank = all_blank && IsBlank(item);
     }
     if (playlist == nullptr || all_blank) {
+      converter::run_log::Step("write", path);
       platform::WriteFile(path, "");  // a failure here is not reported
       return;
     }

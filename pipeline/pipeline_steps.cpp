@@ -4,12 +4,13 @@
 
 #include "app/qv_conv_exception.h"
 #include "platform/file_system.h"
-#include "workspace/archive_tool.h"
-#include "workspace/file_tree.h"
+#include "workspace/atomic_delivery.h"
+#include "workspace/run_log.h"
 
 namespace quorvane::qvconv::converter {
 
 void MakeFolder(const std::u16string& path, ExistingFolder existing) {
+  run_log::Attempt("make folder", path);
   switch (platform::MakeDirectory(path)) {
     case platform::MakeDirResult::kCreated:
       return;
@@ -26,13 +27,13 @@ void DeliverTree(const std::u16string& tree, const QvConvRunConfig& config,
                  const std::u16string& copy_target) {
   if (config.OutputArchive()) {
     try {
-      PackFolder(tree, config.OutputPath(), config.Compress());
+      PackFolderWhole(tree, config.OutputPath(), config.Compress());
     } catch (const std::exception&) {
       ThrowCode(codes::kPackFailed);
     }
   } else {
     try {
-      CopyTree(tree, copy_target);
+      CopyTreeWhole(tree, copy_target);
     } catch (const std::exception&) {
       ThrowCode(codes::kCopyFailed);
     }

@@ -15,8 +15,9 @@ enum class ExistingFolder { kFails, kIsFine };
 // is there already counts as a failure too.
 void MakeFolder(const std::u16string& path, ExistingFolder existing);
 
-// Delivers a finished tree: packed into output_path when output_archive is
-// set (a standard exception is -401), else copied to `copy_target` (-4).
+// Delivers a finished tree, whole or not at all: packed into output_path when
+// output_archive is set (a standard exception is -401), else copied to
+// `copy_target` (-4), each file through a temporary name.
 void DeliverTree(const std::u16string& tree, const QvConvRunConfig& config,
                  const std::u16string& copy_target);
 

@@ -11,6 +11,7 @@
 #include "pipeline/telop_copy.h"
 #include "workspace/file_tree.h"
 #include "workspace/project_path.h"
+#include "workspace/run_log.h"
 #include "workspace/work_folder.h"
 #include "xml/qvf_write_xml.h"
 #include "xml/qvf_xml_document.h"
@@ -63,7 +64,9 @@ void QvConvCsvToXml::Run() {
     auto writer = std::make_unique<Writer>(config.OutputKind() == KindDebug);
 
     work = MakeWorkFolder(config.WorkRoot(), u"QvConv");
+    if (work.empty()) run_log::Cause("cannot create a work folder in", config.WorkRoot());
     if (work.empty()) ThrowCode(codes::kCannotCreate);
+    run_log::Step("work in", work);
     const std::u16string format = work + u"/QvFormat";
     const std::u16string temp = work + u"/Temp";
     MakeFolder(format, ExistingFolder::kFails);
@@ -88,6 +91,7 @@ void QvConvCsvToXml::Run() {
     // The findings decide about the output here, and only here.
     if (has_result) {
       if (!config.CheckPath().empty()) {
+        run_log::Step("write the report", config.CheckPath());
         try {
           writeReport(config.CheckPath());
         } catch (const std::exception&) {
@@ -107,8 +111,10 @@ void QvConvCsvToXml::Run() {
   } catch (const QvConvException&) {
     // A check operation that failed (-500, thrown by value): the run stops
     // where it is, with no report and no output.
+    run_log::Stopped("a check failed unexpectedly");
     if (!work.empty()) DeleteTree(work);
   } catch (const std::exception&) {
+    run_log::Stopped("an unexpected failure");
     if (!work.empty()) DeleteTree(work);
   }
 }
@@ -117,12 +123,18 @@ void QvConvCsvToXml::ConvertSchedule(Reader& reader, Writer& writer, const std::
                                      const std::u16string& format) {
   try {
     const std::vector<std::u16string> schedules = FilesBeginningWith(input, u"Schedule");
+    if (schedules.empty()) run_log::Cause("no schedule file in", input);
+    if (schedules.size() > 1) run_log::Cause("more than one schedule file in", input);
     if (schedules.empty()) ThrowCode(codes::kProjectFileMissing);
     if (schedules.size() > 1) ThrowCode(codes::kTwoSchedules);
     const std::u16string& path = schedules.front();
+    run_log::Step("check", path);
     checkFile(checker::ChSchedule, path);
+    run_log::Step("read", path);
     fmt::QvFSchedule schedule = reader.readSchedule(path);
-    if (!check_only) writer.outputSchedule(format + u"/QvS.xml", schedule);
+    const std::u16string target = format + u"/QvS.xml";
+    if (!check_only) run_log::Step("write", target);
+    if (!check_only) writer.outputSchedule(target, schedule);
   } catch (const std::exception&) {
     ThrowCode(codes::kFinished);
   }
@@ -136,13 +148,20 @@ void QvConvCsvToXml::ConvertTimeTables(Reader& reader, Writer& writer, const std
     for (const std::u16string& name : names) {
       const std::u16string path = JoinPath(input, name);
       // A time table that the schedule names and the project lacks is passed over.
-      if (!CanOpenForReading(path)) continue;
+      if (!CanOpenForReading(path)) {
+        run_log::Loss("time table", path, "named by the schedule cannot be opened: skipped");
+        continue;
+      }
       const std::u16string id = reader.index().timetableId(name);
+      run_log::Step("check", path);
       checkFile(checker::ChTimeTable, path);
+      run_log::Step("read", path);
       std::unique_ptr<fmt::QvFTimeTable> table = reader.readTimeTable(path);
       if (!table) ThrowCode(codes::kProjectFileBad);
       if (!id.empty()) table->id.assign(id);
-      if (!check_only) writer.outputTimeTable(format + u"/QvT/" + id + u".xml", *table);
+      const std::u16string target = format + u"/QvT/" + id + u".xml";
+      if (!check_only) run_log::Step("write", target);
+      if (!check_only) writer.outputTimeTable(target, *table);
     }
   } catch (const std::exception&) {
     ThrowCode(codes::kFinished);
@@ -153,6 +172,7 @@ void QvConvCsvToXml::CheckInterrupts(const std::u16string& input) {
   const std::vector<std::u16string> interrupts = FilesBeginningWith(input, u"Interrupt");
   if (interrupts.empty()) return;
   // Interrupt files are never converted: their presence alone is an error.
+  run_log::Step("check", interrupts.front());
   addCheckFile(interrupts.front());
   beginCheckData(checker::ChInterrupt, interrupts.front());
   addResult(u"EP0000", true, -1, u"", u"msg.EP0000");
@@ -170,10 +190,14 @@ void QvConvCsvToXml::ConvertPrograms(Reader& reader, Writer& writer, const std::
       const std::u16string id = reader.index().programId(f);
       const std::u16string target = format + u"/QvP/" + id;
       MakeFolder(target, ExistingFolder::kIsFine);
+      run_log::Step("check", csv);
       checkFile(checker::ChProgram, csv);
+      run_log::Step("read", csv);
       std::unique_ptr<fmt::QvFProgram> program = reader.readProgram(csv);
       if (!program) ThrowCode(codes::kProjectFileBad);
-      if (!check_only) writer.outputProgram(target + u"/" + id + u".xml", *program);
+      const std::u16string program_xml = target + u"/" + id + u".xml";
+      if (!check_only) run_log::Step("write", program_xml);
+      if (!check_only) writer.outputProgram(program_xml, *program);
 
       io::csv::QvFCsvProgramEntry& entry = reader.index().programEntry(id);
       const std::vector<std::u16string> playlists = io::csv::QvFCsvIndex::Keys(entry.playlist_ids);
@@ -181,12 +205,15 @@ void QvConvCsvToXml::ConvertPrograms(Reader& reader, Writer& writer, const std::
       for (const std::u16string& p : playlists) {
         const std::u16string path = JoinPath(folder, p);
         pane_override = PaneOfPlaylist(path);
+        run_log::Step("read", path);
         fmt::QvFPlaylist playlist = reader.readPlaylist(path);
         // Each playlist takes exactly the contents files that its own read added.
         const std::vector<std::u16string> contents = entry.contents_paths;
         while (next_item < contents.size()) {
           const std::u16string contents_path = JoinPath(folder, contents[next_item]);
+          run_log::Step("check", contents_path);
           checkFile(checker::ChContentsInfo, contents_path);
+          run_log::Step("read", contents_path);
           try {
             reader.readContents(contents_path, playlist, entry);
           } catch (const std::exception&) {
@@ -195,7 +222,9 @@ void QvConvCsvToXml::ConvertPrograms(Reader& reader, Writer& writer, const std::
           ++next_item;
         }
         if (!check_only) {
-          writer.outputPlaylist(target + u"/" + entry.playlistId(p) + u".xml", playlist);
+          const std::u16string playlist_xml = target + u"/" + entry.playlistId(p) + u".xml";
+          run_log::Step("write", playlist_xml);
+          writer.outputPlaylist(playlist_xml, playlist);
         }
       }
     }
@@ -225,6 +254,8 @@ void QvConvCsvToXml::CopyContents(Reader& reader, const std::u16string& input,
       const std::u16string ext = PackageExtension(src);
       if (config.SkipContents()) continue;
       const std::u16string dst = format + u"/QvC/" + file.id + ext;
+      run_log::Step("copy", src, dst);
+      run_log::LossIfMissing("content file", src, "is missing: left out of the package");
       if (ext == u".tlp") {
         CopyTelopAsText(src, dst);
       } else {

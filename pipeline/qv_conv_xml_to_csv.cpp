@@ -10,6 +10,7 @@
 #include "pipeline/pipeline_steps.h"
 #include "platform/file_system.h"
 #include "workspace/file_tree.h"
+#include "workspace/run_log.h"
 #include "workspace/work_folder.h"
 #include "xml/qvf_read_xml.h"
 #include "xml/qvf_xml_document.h"
@@ -39,7 +40,9 @@ void QvConvXmlToCsv::Convert(std::u16string& work) {
   auto writer = std::make_unique<QvFWriteCsv>();
 
   work = MakeWorkFolder(config.ConversionRoot(), u"QvConv");
+  if (work.empty()) run_log::Cause("cannot create a work folder in", config.ConversionRoot());
   if (work.empty()) ThrowCode(codes::kCannotCreate);
+  run_log::Step("work in", work);
   const std::u16string out = work + u"/QvFormat";
   MakeFolder(out, ExistingFolder::kFails);
   const std::u16string src = config.InputPath() + u"/QvFormat";
@@ -47,7 +50,9 @@ void QvConvXmlToCsv::Convert(std::u16string& work) {
   // The schedule names the time tables ...
   FirstReferenceList timetables;
   {
-    fmt::QvFSchedule schedule = reader->readSchedule(src + u"/QvS.xml");
+    const std::u16string schedule_xml = src + u"/QvS.xml";
+    run_log::Step("read", schedule_xml);
+    fmt::QvFSchedule schedule = reader->readSchedule(schedule_xml);
     writer->outputSchedule(out + u"/" + writer->scheduleFileName(), schedule);
     for (const fmt::QvFScheduleEntry& entry : schedule.schedule_list.schedules) {
       timetables.AddOnce(entry.ref_timetable.text);
@@ -57,7 +62,9 @@ void QvConvXmlToCsv::Convert(std::u16string& work) {
   // ... the time tables name the programs ...
   FirstReferenceList programs;
   for (const std::u16string& id : timetables.items()) {
-    std::unique_ptr<fmt::QvFTimeTable> table = reader->readTimeTable(DocumentPath(src + u"/QvT", id));
+    const std::u16string table_xml = DocumentPath(src + u"/QvT", id);
+    run_log::Step("read", table_xml);
+    std::unique_ptr<fmt::QvFTimeTable> table = reader->readTimeTable(table_xml);
     writer->outputTimeTable(out + u"/" + writer->timetableFileName(id), *table);
     for (const fmt::QvFTable& row : table->table_list.tables) {
       // A command row names no program.
@@ -71,12 +78,15 @@ void QvConvXmlToCsv::Convert(std::u16string& work) {
   // content files.
   io::csv::QvFNameMap content_names;
   for (const std::u16string& id : programs.items()) {
+    if (!IsPlainName(id)) run_log::Cause("no program document can be named", id);
     if (!IsPlainName(id)) ThrowCode(codes::kXmlUnreadable);
     const std::u16string source = src + u"/QvP/" + id;
     const std::u16string target = out + u"/" + writer->programFolderName(id);
     MakeFolder(target, ExistingFolder::kIsFine);
     MakeFolder(target + u"/" + QvFWriteCsv::informationFolderName(), ExistingFolder::kIsFine);
-    std::unique_ptr<fmt::QvFProgram> program = reader->readProgram(DocumentPath(source, id));
+    const std::u16string program_xml = DocumentPath(source, id);
+    run_log::Step("read", program_xml);
+    std::unique_ptr<fmt::QvFProgram> program = reader->readProgram(program_xml);
     writer->outputProgram(target + u"/" + QvFWriteCsv::programFileName(), *program);
 
     // Panes fill the numbers 1 to 5 in their order; 0, 6 and 7 stay empty,
@@ -86,7 +96,9 @@ void QvConvXmlToCsv::Convert(std::u16string& work) {
     for (std::int32_t i = 0; i <= 7; ++i) {
       if (i >= 1 && i <= 5 && next_pane < panes.size()) {
         const std::u16string& ref = panes[next_pane++].playlist_file.ref_playlist.text;
-        fmt::QvFPlaylist playlist = reader->readPlaylist(DocumentPath(source, ref));
+        const std::u16string playlist_xml = DocumentPath(source, ref);
+        run_log::Step("read", playlist_xml);
+        fmt::QvFPlaylist playlist = reader->readPlaylist(playlist_xml);
         writer->outputPlaylistFile(i, target, &playlist, content_names);
       } else {
         writer->outputPlaylistFile(i, target, nullptr, content_names);
@@ -100,9 +112,14 @@ void QvConvXmlToCsv::Convert(std::u16string& work) {
     // A name that could lead out of the package or the project is left out,
     // and so is anything but a plain file (a link is never followed).
     const std::u16string from = src + u"/QvC/" + name;
-    if (!IsPlainName(name) || !platform::IsRegularFile(from)) continue;
+    if (!IsPlainName(name) || !platform::IsRegularFile(from)) {
+      run_log::Loss("content file", from, "is missing from the package: left out of the project");
+      continue;
+    }
+    const std::u16string to = out + u"/" + QvFWriteCsv::contentsFolderName() + u"/" + name;
+    run_log::Step("copy", from, to);
     try {
-      CopyTree(from, out + u"/" + QvFWriteCsv::contentsFolderName() + u"/" + name);
+      CopyTree(from, to);
     } catch (const std::exception&) {
       ThrowCode(codes::kCopyFailed);
     }

@@ -9,6 +9,7 @@
 #include "pipeline/pipeline_steps.h"
 #include "platform/file_system.h"
 #include "workspace/file_tree.h"
+#include "workspace/run_log.h"
 #include "workspace/work_folder.h"
 #include "xml/qvf_read_xml.h"
 #include "xml/qvf_write_xml.h"
@@ -54,14 +55,18 @@ void QvConvXmlToXml::Rewrite() {
   auto writer = std::make_unique<QvFWriteXml>(config.OutputKind() == KindDebug);
 
   const std::u16string work = MakeWorkFolder(config.WorkRoot(), u"QvConv");
+  if (work.empty()) run_log::Cause("cannot create a work folder in", config.WorkRoot());
   if (work.empty()) ThrowCode(codes::kCannotCreate);
+  run_log::Step("work in", work);
   const std::u16string format = work + u"/QvFormat";
   MakeFolder(format, ExistingFolder::kIsFine);
   const std::u16string input = config.InputPath();
 
   FirstReferenceList timetables;
   {
+    run_log::Step("read", input + u"QvS.xml");
     fmt::QvFSchedule schedule = reader->readSchedule(input + u"QvS.xml");
+    run_log::Step("write", format + u"/QvS.xml");
     writer->outputSchedule(format + u"/QvS.xml", schedule);
     for (const fmt::QvFScheduleEntry& entry : schedule.schedule_list.schedules) {
       timetables.AddOnce(entry.ref_timetable.text);
@@ -71,7 +76,10 @@ void QvConvXmlToXml::Rewrite() {
   MakeFolder(format + u"/QvT", ExistingFolder::kIsFine);
   FirstReferenceList programs;
   for (const std::u16string& id : timetables.items()) {
-    std::unique_ptr<fmt::QvFTimeTable> table = reader->readTimeTable(DocumentPath(input + u"QvT", id));
+    const std::u16string table_xml = DocumentPath(input + u"QvT", id);
+    run_log::Step("read", table_xml);
+    std::unique_ptr<fmt::QvFTimeTable> table = reader->readTimeTable(table_xml);
+    run_log::Step("write", format + u"/QvT/" + id + u".xml");
     writer->outputTimeTable(format + u"/QvT/" + id + u".xml", *table);
     for (const fmt::QvFTable& row : table->table_list.tables) {
       if (row.program) programs.AddOnce(row.program->ref_program.text);
@@ -85,11 +93,17 @@ void QvConvXmlToXml::Rewrite() {
     const std::u16string source = input + u"QvP/" + id;
     const std::u16string target = format + u"/QvP/" + id;
     MakeFolder(target, ExistingFolder::kIsFine);
-    std::unique_ptr<fmt::QvFProgram> program = reader->readProgram(DocumentPath(source, id));
+    const std::u16string program_xml = DocumentPath(source, id);
+    run_log::Step("read", program_xml);
+    std::unique_ptr<fmt::QvFProgram> program = reader->readProgram(program_xml);
+    run_log::Step("write", target + u"/" + id + u".xml");
     writer->outputProgram(target + u"/" + id + u".xml", *program);
     for (const fmt::QvFPane& pane : program->pane_info.panes) {
       const std::u16string& ref = pane.playlist_file.ref_playlist.text;
-      fmt::QvFPlaylist playlist = reader->readPlaylist(DocumentPath(source, ref));
+      const std::u16string playlist_xml = DocumentPath(source, ref);
+      run_log::Step("read", playlist_xml);
+      fmt::QvFPlaylist playlist = reader->readPlaylist(playlist_xml);
+      run_log::Step("write", target + u"/" + ref + u".xml");
       writer->outputPlaylist(target + u"/" + ref + u".xml", playlist);
       for (const auto& item : playlist.contents) {
         if (!item || fmt::AsNone(item.get())) continue;
@@ -103,7 +117,11 @@ void QvConvXmlToXml::Rewrite() {
     // A name that could lead out of the tree is left out, like a missing file,
     // and so is anything but a plain file (a link is never followed).
     const std::u16string from = input + u"/QvC/" + name;
-    if (!IsPlainName(name) || !platform::IsRegularFile(from)) continue;
+    if (!IsPlainName(name) || !platform::IsRegularFile(from)) {
+      run_log::Loss("content file", from, "is missing: left out of the package");
+      continue;
+    }
+    run_log::Step("copy", from, format + u"/QvC/" + name);
     try {
       CopyTree(from, format + u"/QvC/" + name);
     } catch (const std::exception&) {

@@ -2,6 +2,7 @@
 
 #include "platform/file_system.h"
 #include "platform/text_codec.h"
+#include "workspace/run_log.h"
 #include "workspace/text_conversion.h"
 
 namespace quorvane::qvconv::converter {
@@ -34,9 +35,15 @@ std::string TelopAsUtf8(std::string_view bytes, int byte_order_mark) {
 void CopyTelopAsText(const std::u16string& source, const std::u16string& destination) {
   const int mark = ReadByteOrderMark(source);
   std::string bytes;
-  if (!platform::ReadFile(source, &bytes)) return;
+  if (!platform::ReadFile(source, &bytes)) {
+    run_log::Loss("telop", source, "cannot be read: left out of the package");
+    return;
+  }
   platform::OutputFile out;
-  if (!out.Open(destination)) return;
+  if (!out.Open(destination)) {
+    run_log::Loss("telop copy", destination, "cannot be made: the telop is left out");
+    return;
+  }
   out.Append(TelopAsUtf8(bytes, mark));
   // As with any text stream, a write that fails (a full disk) is not looked at.
   out.Close();

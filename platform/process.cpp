@@ -1,7 +1,8 @@
 #include "platform/process.h"
 
 #include <fcntl.h>
-#include <spawn.h>
+#include <signal.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -13,6 +14,37 @@
 extern char** environ;
 
 namespace quorvane::platform {
+namespace {
+
+// The child's side, between fork and exec: standard streams on /dev/null, a
+// death signal bound to the parent, then the program.  Only calls that are
+// safe in a forked child.  Reports the errno of a failed exec on `report`.
+[[noreturn]] void ExecChild(char* const* argv, pid_t parent, int report) {
+  // The tool talks on its standard streams; our caller hears nothing of it,
+  // and it must never wait for an answer on its input.
+  const int null_in = ::open("/dev/null", O_RDONLY);
+  const int null_out = ::open("/dev/null", O_WRONLY);
+  if (null_in >= 0) ::dup2(null_in, 0);
+  if (null_out >= 0) {
+    ::dup2(null_out, 1);
+    ::dup2(null_out, 2);
+  }
+  if (null_in > 2) ::close(null_in);
+  if (null_out > 2) ::close(null_out);
+  // Killed with the caller; a caller that died before this line is caught by
+  // the test of the parent's id.
+  ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+  if (::getppid() != parent) ::_exit(127);
+  ::execvp(argv[0], argv);
+  const int error = errno;
+  while (::write(report, &error, sizeof error) < 0 && errno == EINTR) {
+  }
+  ::_exit(127);
+}
+
+}  // namespace
+
+int CurrentProcessId() { return static_cast<int>(::getpid()); }
 
 ProcessResult RunProcess(const std::vector<std::u16string>& argv) {
   ProcessResult result;
@@ -36,22 +68,31 @@ ProcessResult RunProcess(const std::vector<std::u16string>& argv) {
   for (auto& a : args) pointers.push_back(a.data());
   pointers.push_back(nullptr);
 
-  posix_spawn_file_actions_t actions;
-  if (posix_spawn_file_actions_init(&actions) != 0) return result;
-  // The tool talks on its standard streams; our caller hears nothing of it,
-  // and it must never wait for an answer on its input.
-  posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
-  posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-  posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
-  pid_t pid = 0;
-  const int rc = posix_spawnp(&pid, pointers[0], &actions, nullptr, pointers.data(), environ);
-  posix_spawn_file_actions_destroy(&actions);
-  if (rc != 0) return result;
-  result.started = true;
+  // The exec's failure comes back through a pipe that the exec itself closes.
+  int report[2];
+  if (::pipe2(report, O_CLOEXEC) != 0) return result;
+  const pid_t parent = ::getpid();
+  const pid_t pid = ::fork();
+  if (pid < 0) {
+    ::close(report[0]);
+    ::close(report[1]);
+    return result;
+  }
+  if (pid == 0) ExecChild(pointers.data(), parent, report[1]);
+  ::close(report[1]);
+  int exec_error = 0;
+  ssize_t got;
+  do {
+    got = ::read(report[0], &exec_error, sizeof exec_error);
+  } while (got < 0 && errno == EINTR);
+  ::close(report[0]);
+
   int status = 0;
   while (::waitpid(pid, &status, 0) < 0) {
     if (errno != EINTR) return result;
   }
+  if (got > 0) return result;  // the program could not be started
+  result.started = true;
   result.exit_status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   return result;
 }

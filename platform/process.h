@@ -14,8 +14,13 @@ struct ProcessResult {
 
 // Runs argv[0], looked up in PATH when it names no folder, with the given
 // argument list (no shell), the caller's environment and current folder, its
-// standard streams on /dev/null.  Waits without a time limit.
+// standard streams on /dev/null.  Waits without a time limit.  The program
+// ends with its caller: if the caller is killed, so is the program, so that
+// no run leaves a helper behind that goes on writing.
 ProcessResult RunProcess(const std::vector<std::u16string>& argv);
+
+// The id of this process.
+int CurrentProcessId();
 
 }  // namespace quorvane::platform
 

@@ -1,6 +1,7 @@
 #include "workspace/archive_tool.h"
 
 #include <exception>
+#include <string>
 #include <vector>
 
 #include "app/qv_conv_exception.h"
@@ -11,6 +12,7 @@
 #include "platform/process.h"
 #include "platform/system_info.h"
 #include "workspace/file_tree.h"
+#include "workspace/run_log.h"
 
 namespace quorvane::qvconv::converter {
 namespace {
@@ -30,10 +32,12 @@ std::u16string AsOperand(const std::u16string& path) {
 // Runs the tool and waits; false when it could not be started.  "-y" answers
 // every question of the tool with yes (overwrite and the like), so that it
 // never waits for input that cannot come.
-bool RunTool(std::vector<std::u16string> arguments) {
+bool RunTool(std::vector<std::u16string> arguments, int* status = nullptr) {
   arguments.insert(arguments.begin(), kTool);
   arguments.push_back(u"-y");
-  return platform::RunProcess(arguments).started;
+  const platform::ProcessResult result = platform::RunProcess(arguments);
+  if (status != nullptr) *status = result.exit_status;
+  return result.started;
 }
 
 // A fixed name in a shared folder that is not ours alone, or cannot be made,
@@ -44,46 +48,62 @@ void RequireReady(platform::FixedName status) {
 
 }  // namespace
 
-void PackFolder(const std::u16string& folder, const std::u16string& archive, bool compress) {
+int PackFolder(const std::u16string& folder, const std::u16string& archive, bool compress) {
   bool started = false;
+  int status = -1;
   try {
     std::vector<std::u16string> arguments = {u"a", u"-r", u"-tzip", AsOperand(archive),
                                              AsOperand(folder)};
     // The compressed form is the same zip package at the highest level.
     if (compress) arguments.push_back(u"-mx=9");
-    started = RunTool(std::move(arguments));
+    started = RunTool(std::move(arguments), &status);
   } catch (const std::exception&) {
     ThrowCode(codes::kPackFailed);
   }
   if (!started) ThrowCode(codes::kPackFailed);
+  return status;
 }
 
 void UnpackArchive(const std::u16string& archive, const std::u16string& folder) {
   bool started = false;
+  int status = -1;
   try {
     // The destination is emptied first, whatever the extraction then does.
     const std::u16string destination = folder.empty() ? folder : platform::PathAsFound(folder);
     if (!destination.empty()) DeleteTree(destination);
-    started = RunTool({u"x", AsOperand(archive), u"-o" + destination});
+    run_log::Step("extract", archive, destination);
+    started = RunTool({u"x", AsOperand(archive), u"-o" + destination}, &status);
     // What the tool could not settle is settled here, as far as it goes.
     if (started) platform::FixExtractedNames(destination);
   } catch (const std::exception&) {
     ThrowCode(codes::kUnpackFailed);
   }
   if (!started) ThrowCode(codes::kUnpackFailed);
+  if (status != 0) {
+    run_log::Loss("the archive", archive,
+                  "could not be extracted whole: the archive tool ended with status " +
+                      std::to_string(status));
+  }
 }
 
 void UnpackArchive(const std::u16string& archive, platform::PrivateFolder& folder) {
   // Whatever an earlier run left there would be taken for part of this archive.
   if (!folder.Empty()) ThrowCode(codes::kCannotCreate);
   bool started = false;
+  int status = -1;
   try {
-    started = RunTool({u"x", AsOperand(archive), u"-o" + folder.ChildPath()});
+    run_log::Step("extract", archive, folder.ChildPath());
+    started = RunTool({u"x", AsOperand(archive), u"-o" + folder.ChildPath()}, &status);
     if (started) folder.FixExtractedNames();
   } catch (const std::exception&) {
     ThrowCode(codes::kUnpackFailed);
   }
   if (!started) ThrowCode(codes::kUnpackFailed);
+  if (status != 0) {
+    run_log::Loss("the archive", archive,
+                  "could not be extracted whole: the archive tool ended with status " +
+                      std::to_string(status));
+  }
 }
 
 bool ProbeArchive(const std::u16string& archive) {

@@ -30,12 +30,15 @@ namespace quorvane::qvconv::converter {
 // whose entries begin with "QvFormat/".  An existing archive is added to, not
 // replaced.  With `compress` the zip is made at the tool's highest compression
 // level.  Throws -401 when the tool cannot be started or the command cannot
-// be built.
-void PackFolder(const std::u16string& folder, const std::u16string& archive, bool compress);
+// be built.  Returns the tool's exit status (-1: it was killed), which no
+// exit code of the run depends on.
+int PackFolder(const std::u16string& folder, const std::u16string& archive, bool compress);
 
 // Extracts `archive` into `folder`: 7za x <archive> -o<folder>.  A non-empty
 // `folder` is deleted first, whatever becomes of the extraction.  Throws -402
-// when the tool cannot be started, or on a standard exception.
+// when the tool cannot be started, or on a standard exception.  An archive
+// that the tool could not extract passes without a code (a note in the run's
+// log).
 void UnpackArchive(const std::u16string& archive, const std::u16string& folder);
 
 // The same into a private folder of ours with a fixed name, which is emptied

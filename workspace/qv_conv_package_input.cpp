@@ -7,6 +7,7 @@
 #include "platform/private_folder.h"
 #include "platform/system_info.h"
 #include "workspace/archive_tool.h"
+#include "workspace/run_log.h"
 
 namespace quorvane::qvconv::converter {
 namespace {
@@ -61,8 +62,10 @@ void QvConvPackageInput::MakeUnpackFolders() {
   // the conversion that reads it has ended.
   if (!unzip_lock_) unzip_lock_ = std::make_unique<platform::FileLock>(root, u"unzip.lock");
   RequireReady(unzip_lock_->status());
+  run_log::Attempt("make folder", UnzipFolder());
   unzip_ = std::make_unique<platform::PrivateFolder>(root, u"unzip");
   RequireReady(unzip_->status());
+  run_log::Attempt("make folder", ConvFolder());
   conv_ = std::make_unique<platform::PrivateFolder>(root, u"conv");
   RequireReady(conv_->status());
 }

@@ -4,6 +4,7 @@
 #include <exception>
 #include <memory>
 #include <stdexcept>
+#include <vector>
 
 #include "app/qv_conv_exception.h"
 #include "pipeline/qv_conv_csv_to_xml.h"
@@ -11,6 +12,7 @@
 #include "pipeline/qv_conv_xml_to_xml.h"
 #include "platform/file_system.h"
 #include "workspace/qv_conv_package_input.h"
+#include "workspace/run_log.h"
 
 namespace quorvane::qvconv::converter {
 namespace {
@@ -20,6 +22,7 @@ constexpr char16_t kUnpackage[] = u"-unpackage";
 constexpr char16_t kDisplayRegion[] = u"-td";
 constexpr char16_t kPackage[] = u"-package";
 constexpr char16_t kParameterFile[] = u"-param";
+constexpr char16_t kLog[] = u"-log";
 
 // The region of a 4K display, when the command line names none.
 constexpr char16_t kDefaultRegion[] = u"(0,0,3840,2160)";
@@ -34,12 +37,18 @@ bool StartsWith(const std::u16string& text, std::u16string_view prefix) {
   return std::u16string_view(text).substr(0, prefix.size()) == prefix;
 }
 
+// Ends the process with `code`, the log's last line first.
+[[noreturn]] void EndRun(std::int32_t code, bool by_failure) {
+  run_log::Finish(code, by_failure);
+  std::exit(code);
+}
+
 // Ends the process with the code of a failure.  The exception is freed first
 // so that a leak checker has nothing to say at the exit.
 [[noreturn]] void ExitWith(QvConvException* failure) {
   const std::int32_t code = failure->code();
   delete failure;
-  std::exit(code);
+  EndRun(code, true);
 }
 
 // What the option loop gathers before the configuration is built.
@@ -49,11 +58,22 @@ struct Options {
   std::u16string check;
   std::u16string region;
   std::u16string parameter_file;
+  std::u16string log;
   bool check_seen = false;
   bool unpackage = false;
   bool region_seen = false;
   bool parameter_seen = false;
+  bool log_seen = false;
 };
+
+// Tells the log which argument made the command line bad.
+void NoteBadArgument(const ArgumentTable& table, int at, int count) {
+  if (at == 0) {
+    run_log::Cause("bad command line: more arguments than the table has slots", u"");
+  } else if (at < count) {
+    run_log::Cause("bad command line: the argument", table.slots[at]);
+  }
+}
 
 void ReadArgument(const std::u16string& argument, Options* options) {
   if (argument[0] != u'-') {
@@ -77,6 +97,12 @@ void ReadArgument(const std::u16string& argument, Options* options) {
     if (options->parameter_seen) ThrowCode(codes::kBadCommandLine);
     options->parameter_seen = true;
     options->parameter_file = OptionValue(kParameterFile, argument);
+  } else if (StartsWith(argument, kLog)) {
+    if (options->log_seen) ThrowCode(codes::kBadCommandLine);
+    options->log_seen = true;
+    options->log = OptionValue(kLog, argument);
+    // A log needs a file: "-log''" names none.
+    if (options->log.empty()) ThrowCode(codes::kBadCommandLine);
   } else {
     ThrowCode(codes::kBadCommandLine);
   }
@@ -102,12 +128,15 @@ QvConvRunConfig ParseCommandLine(const ArgumentTable& table) {
   while (count < kArgumentSlots && !table.slots[count].empty()) ++count;
 
   Options options;
+  int at = 0;
   try {
     if (count == kArgumentSlots && table.overflow) ThrowCode(codes::kBadCommandLine);
-    for (int i = 1; i < count; ++i) ReadArgument(table.slots[i], &options);
+    for (at = 1; at < count; ++at) ReadArgument(table.slots[at], &options);
   } catch (QvConvException*) {
+    NoteBadArgument(table, at, count);
     throw;
   } catch (const std::exception&) {
+    NoteBadArgument(table, at, count);
     ThrowCode(codes::kBadCommandLine);
   }
 
@@ -115,21 +144,55 @@ QvConvRunConfig ParseCommandLine(const ArgumentTable& table) {
   config.SetCheck(options.check_seen, options.check);
   config.SetUnpackage(options.unpackage);
   config.SetWorkRoot(u"");
-  config.SetDisplayRegion(options.region_seen ? options.region : kDefaultRegion);
+  try {
+    config.SetDisplayRegion(options.region_seen ? options.region : kDefaultRegion);
+  } catch (QvConvException*) {
+    run_log::Cause("bad command line: the region", options.region);
+    throw;
+  }
   return config;
 }
 
-void ParseAndRun(const ArgumentTable& table) { Dispatch(ParseCommandLine(table)); }
+std::u16string LogPathOf(const ArgumentTable& table) {
+  for (int i = 1; i < kArgumentSlots && !table.slots[i].empty(); ++i) {
+    if (!StartsWith(table.slots[i], kLog)) continue;
+    try {
+      return OptionValue(kLog, table.slots[i]);
+    } catch (const std::exception&) {
+      return {};
+    }
+  }
+  return {};
+}
+
+void ParseAndRun(const ArgumentTable& table) {
+  // The log is opened before anything else, so that it also tells of a bad
+  // command line.
+  const std::u16string log = LogPathOf(table);
+  if (!log.empty()) {
+    std::vector<std::u16string> arguments;
+    for (int i = 0; i < kArgumentSlots && !table.slots[i].empty(); ++i) {
+      arguments.push_back(table.slots[i]);
+    }
+    run_log::Open(log, arguments);
+  }
+  Dispatch(ParseCommandLine(table));
+}
 
 void Dispatch(QvConvRunConfig config) {
   try {
+    if (config.InputPath().empty()) run_log::Cause("bad command line: no input", u"");
     if (config.InputPath().empty()) ThrowCode(codes::kBadCommandLine);
-    if (!config.CheckOnly() && config.OutputPath().empty()) ThrowCode(codes::kBadCommandLine);
+    if (!config.CheckOnly() && config.OutputPath().empty()) {
+      run_log::Cause("bad command line: no output", u"");
+      ThrowCode(codes::kBadCommandLine);
+    }
 
     // Kept alive until the pipeline has ended: it holds the shared unzip
     // folder of an opened package for this run.
     std::unique_ptr<QvConvPackageInput> package;
     if (config.Unpackage()) {
+      run_log::Step("open the archive", config.InputPath());
       package = std::make_unique<QvConvPackageInput>(config);
       package->IsXmlPackage();
       package->Unpack();
@@ -154,7 +217,7 @@ void Dispatch(QvConvRunConfig config) {
   } catch (QvConvException* failure) {
     ExitWith(failure);
   } catch (...) {
-    std::exit(codes::kUnknownFailure);
+    EndRun(codes::kUnknownFailure, true);
   }
 }
 
@@ -164,9 +227,9 @@ void RunGuarded(const ArgumentTable& table) {
   } catch (QvConvException* failure) {
     ExitWith(failure);
   } catch (...) {
-    std::exit(codes::kUnknownFailure);
+    EndRun(codes::kUnknownFailure, true);
   }
-  std::exit(codes::kFinished);
+  EndRun(codes::kFinished, false);
 }
 
 void Main(int argc, char** argv) {

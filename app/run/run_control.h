@@ -4,10 +4,13 @@
 //
 // The command line:
 //   qvConvApp <input> [-package<path>] [-check<path>] [-unpackage<path>]
-//             [-td<region>] [-param<path>]
+//             [-td<region>] [-param<path>] [-log<path>]
 // An option's value stands directly behind its name ("-packageout.zip",
 // "-package\"out.zip\""); the next argument is never taken as a value.  An
 // empty argument ends the command line.
+//
+// With -log<path> the run appends an account of itself to <path>
+// (workspace/run_log.h), its exit code last; nothing else changes.
 //
 // Only Dispatch and RunGuarded end the process; nothing else calls exit.
 #ifndef QV_APP_RUN_RUN_CONTROL_H_
@@ -38,8 +41,14 @@ struct ArgumentTable {
 // QvConvException pointer, -999 for anything else.
 [[noreturn]] void RunGuarded(const ArgumentTable& table);
 
-// The option loop, the configuration, then Dispatch.
+// Opens the log of -log, then the option loop, the configuration, Dispatch.
 void ParseAndRun(const ArgumentTable& table);
+
+// The value of the first -log argument of the command line (up to its end),
+// empty when there is none or it has no value.  The log is opened before
+// the option loop, so that a bad command line is told too; the loop refuses
+// a second -log and an empty one with -1, as for the other options.
+std::u16string LogPathOf(const ArgumentTable& table);
 
 // The option loop and the configuration of ParseAndRun, without the dispatch:
 // throws a QvConvException pointer with -1 for a bad command line.

@@ -60,8 +60,19 @@ TEST(CommandLine, AcceptedLinesAndRefusalsWithMinusOne) {
       {"a", "-td"},  // not the default region
       {"a", "-PACKAGEx"},  // names are case-exact
       {"a", "-paramx", "-paramy"},
+      {"a", "-logx", "-logy"},
+      {"a", "-log''"},
   };
   for (const auto& line : refused) EXPECT_EQ(qvtest::CodeOf([&] { ParseCommandLine(Table(line)); }), -1) << line[1];
+}
+
+// The log is found before the option loop runs: the first -log value, up to an empty argument.
+TEST(CommandLine, LogPathIsTheFirstLogValue) {
+  EXPECT_EQ(LogPathOf(Table({"a", "-packageb", "-log'run.log'", "-logother"})), u"run.log");
+  EXPECT_EQ(LogPathOf(Table({"-bad", "-logrun.log"})), u"run.log");  // a bad line is logged too
+  EXPECT_EQ(LogPathOf(Table({"a", "-log", "-logrun.log"})), u"");
+  EXPECT_EQ(LogPathOf(Table({"a", "", "-logrun.log"})), u"");
+  EXPECT_EQ(ParseCommandLine(Table({"a", "-packageb", "-logc"})).OutputPath(), u"b");
 }
 
 TEST(DisplayRegion, FieldsAndConversion) {

@@ -1,0 +1,193 @@
+// The run's log (-log<path>): the losses that end with no code, the file behind each failure
+// code, and a log that cannot be written, which must change nothing of the run.
+#include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/blackbox/project_builder.h"
+
+namespace qvtest {
+namespace {
+
+class RunLog : public BlackBoxTest {
+ protected:
+  void SetUp() override { BuildCleanProject(p_); }
+
+  // Runs with -log, expects `status` and no output, and gives the log.
+  std::string Logged(std::vector<std::string> args, int status, std::vector<std::string> env = {}) {
+    RemoveAll(log_);
+    args.push_back("-log" + log_);
+    const RunResult r = RunQv(args, env.empty() ? RunEnv(temp_, locale_) : env);
+    EXPECT_EQ(r.status, status) << r.output;
+    EXPECT_EQ(r.output, "");
+    return Exists(log_) ? ReadFile(log_) : "";
+  }
+  std::string PackageLog(int status) { return Logged({project_, "-package" + zip_}, status); }
+  // A project path as the program joins it: with backslashes, as on Windows.
+  std::string Path(std::string relative) {
+    for (char& c : relative) c = c == '/' ? '\\' : c;
+    return Quoted(project_ + "\\" + relative);
+  }
+
+  // The last line, without its process id and line end.
+  static std::string ExitLine(const std::string& log) {
+    const std::size_t start = log.rfind('\n', log.size() - 2) + 1;
+    const std::size_t text = log.find("] ", start) + 2;
+    return log.substr(text, log.size() - text - 1);
+  }
+  static std::string Quoted(const std::string& path) { return "\"" + path + "\""; }
+
+  std::string log_ = scratch_.Sub("run.log");
+};
+
+#define EXPECT_LOGGED(log, text) EXPECT_NE((log).find(text), std::string::npos) << (log)
+
+// Each loss that the format passes over with exit code 0 is named, with its file.
+TEST_F(RunLog, LossesWithoutACodeAreNamed) {
+  RemoveAll(p_.Path("TimeTable_weekend.csv"));
+  RemoveAll(p_.Path("contents/photo.jpeg"));
+  std::string log = PackageLog(0);
+  EXPECT_LOGGED(log, "time table " + Path("TimeTable_weekend.csv") +
+                         " named by the schedule cannot be opened: skipped");
+  EXPECT_LOGGED(log, "content file " + Path("contents/photo.jpeg") +
+                         " is missing: left out of the package");
+  EXPECT_EQ(ExitLine(log), "exit 0: finished");
+
+  // A line over 1,023 bytes ends the read of its file.
+  const std::string schedule = ReadFile(p_.Path("Schedule.csv"));
+  const auto lines = std::count(schedule.begin(), schedule.end(), '\n');
+  WriteFile(p_.Path("Schedule.csv"), schedule + std::string(1100, 'x') + "\r\n");
+  log = PackageLog(0);
+  EXPECT_LOGGED(log, "line " + std::to_string(lines + 1) + " of " + Path("Schedule.csv") +
+                         " is longer than 1,023 bytes: the read of the file ends before it");
+
+  // A telop that cannot be opened stops the check: 0, and nothing delivered.
+  RemoveAll(p_.Path("contents/お知らせ.tlp"));
+  RemoveAll(zip_);
+  log = PackageLog(0);
+  EXPECT_LOGGED(log, "telop " + Path("contents/お知らせ.tlp") + " cannot be opened");
+  EXPECT_EQ(ExitLine(log).rfind("exit 0: stopped early, a check failed unexpectedly, at check ", 0),
+            0u)
+      << log;
+  EXPECT_FALSE(Exists(zip_));
+
+  // An archive that the tool cannot extract.
+  WriteFile(scratch_.Sub("not.zip"), "this is no archive");
+  log = Logged({scratch_.Sub("not.zip"), "-unpackage" + scratch_.Sub("dest")}, 0);
+  EXPECT_LOGGED(log, "the archive " + Quoted(scratch_.Sub("not.zip")) +
+                         " could not be extracted whole: the archive tool ended with status 2");
+}
+
+// Every failure code that a project, a package or the command line can cause names what
+// decided it.
+TEST_F(RunLog, EachFailureCodeNamesWhatDecidedIt) {
+  EXPECT_EQ(ExitLine(Logged({project_, "-package" + zip_, "-x"}, Status(-1))),
+            "exit -1: bad command line: the argument \"-x\"");
+  EXPECT_EQ(ExitLine(Logged({project_, "-package" + zip_, "-td1,2"}, Status(-1))),
+            "exit -1: bad command line: the region \"1,2\"");
+
+  WriteFile(p_.Path("Schedule2.csv"), ReadFile(p_.Path("Schedule.csv")));
+  EXPECT_EQ(ExitLine(PackageLog(Status(-103))),
+            "exit -103: more than one schedule file in " + Quoted(project_));
+  RemoveAll(p_.Path("Schedule2.csv"));
+  WriteFile(p_.Path("Interrupt_1.csv"), "");
+  EXPECT_EQ(ExitLine(PackageLog(2)), "exit 2: the check found errors: nothing was delivered");
+  RemoveAll(p_.Path("Interrupt_1.csv"));
+  WriteFile(p_.Path("TimeTable_weekend.csv"),
+            CsvBytes({{"weekend"}, {"0xD4F0FF"}}) + "06:00:00\\x\r\n");
+  EXPECT_EQ(ExitLine(PackageLog(Status(-102))),
+            "exit -102: cannot understand " + Path("TimeTable_weekend.csv"));
+  RemoveAll(p_.Path("TimeTable_weekend.csv"));
+  RemoveAll(p_.Path("Program_ads/program.csv"));
+  EXPECT_EQ(ExitLine(PackageLog(Status(-101))),
+            "exit -101: cannot open " + Path("Program_ads/program.csv"));
+  RemoveAll(p_.Path("Schedule.csv"));
+  EXPECT_EQ(ExitLine(PackageLog(Status(-101))),
+            "exit -101: no schedule file in " + Quoted(project_));
+
+  ProjectBuilder warned(scratch_.Sub("warned"));
+  BuildTimeTableProject(warned);
+  warned.Schedule({ScheduleEntry(DateFromToday(-1), "TimeTable_a.csv")});
+  EXPECT_EQ(ExitLine(Logged({warned.root(), "-check" + report_}, 1)),
+            "exit 1: the check found warnings and no error");
+
+  // A package without its time table document; then no place for the work folder.
+  ASSERT_EQ(Package(kSample).status, 0);
+  Unzip(zip_, scratch_.Sub("pkg"));
+  RemoveAll(scratch_.Sub("pkg/QvFormat/QvT/TM1.xml"));
+  ZipFolderContents(scratch_.Sub("pkg"), scratch_.Sub("broken.zip"));
+  const std::string back = scratch_.Sub("back");
+  MakeDirs(back);
+  EXPECT_EQ(ExitLine(Logged({scratch_.Sub("broken.zip"), "-unpackage" + back}, Status(-300))),
+            "exit -300: cannot read the XML document " +
+                Quoted(temp_ + "/unzip/QvFormat/QvT/TM1.xml"));
+  RemoveAll(temp_ + "/conv");
+  WriteFile(temp_ + "/conv", "a file where the folder belongs");
+  EXPECT_EQ(ExitLine(Logged({zip_, "-unpackage" + back}, Status(-3)))
+                .rfind("exit -3: cannot create \"" + temp_ + "/conv", 0),
+            0u);
+  RemoveAll(temp_ + "/conv");
+
+  // Without the archive tool.
+  MakeDirs(scratch_.Sub("no_tools"));
+  const std::vector<std::string> no_tool{"TMPDIR=" + temp_, "LC_ALL=C",
+                                         "PATH=" + scratch_.Sub("no_tools")};
+  EXPECT_EQ(ExitLine(Logged({kSample, "-package" + zip_}, Status(-401), no_tool)),
+            "exit -401: cannot pack (the archive tool did not start) into " + Quoted(zip_));
+  EXPECT_EQ(ExitLine(Logged({zip_, "-unpackage" + back}, Status(-402), no_tool)),
+            "exit -402: cannot unpack (the archive tool did not start): " + Quoted(zip_));
+}
+
+// A whole account: start, steps, delivery, exit; a second run appends to it.
+TEST_F(RunLog, AccountOfAConversionAndAWayBack) {
+  std::string log = PackageLog(0);
+  EXPECT_EQ(log.rfind("[", 0), 0u);
+  EXPECT_LOGGED(log, "] start ");
+  for (const std::string& step :
+       {Quoted(project_) + " " + Quoted("-package" + zip_) + " " + Quoted("-log" + log_) + "\n",
+        "check " + Path("Schedule.csv"), "read " + Path("Schedule.csv"),
+        "copy " + Path("contents/オープニング.mp4"),
+        "deliver " + Quoted(zip_ + ".partial") + " to " + Quoted(zip_)}) {
+    EXPECT_LOGGED(log, step);
+  }
+  const std::string back = scratch_.Sub("back");
+  MakeDirs(back);
+  ASSERT_EQ(RunQv({zip_, "-unpackage" + back, "-log" + log_}, RunEnv(temp_)).status, 0);
+  log = ReadFile(log_);
+  EXPECT_LOGGED(log, "exit 0: finished\n[");  // the first run's last line, then the second's
+  EXPECT_LOGGED(log, " to " + Quoted(back + "/contents/CT3.mp4"));
+  EXPECT_EQ(ExitLine(log), "exit 0: finished");
+}
+
+// A log that cannot be opened or written: the run ends exactly as without a log.
+TEST_F(RunLog, UnwritableLogChangesNothing) {
+  ASSERT_EQ(Package(kSample).status, 0);
+  const std::vector<std::string> members = ZipMembers(zip_);
+  RemoveAll(p_.Path("Program_ads/program.csv"));
+  const std::string back = scratch_.Sub("back");
+  const std::vector<std::pair<std::vector<std::string>, int>> runs = {
+      {{kSample, "-package" + scratch_.Sub("a.zip")}, 0},
+      {{project_, "-package" + scratch_.Sub("b.zip")}, Status(-101)},
+      {{project_, "-check" + report_}, Status(-101)},
+      {{zip_, "-unpackage" + back}, 0}};
+  for (const std::string& log : {std::string("/dev/full"), scratch_.path()}) {
+    RemoveAll(scratch_.Sub("a.zip"));
+    for (const auto& [args, status] : runs) {
+      RemoveAll(back);
+      MakeDirs(back);
+      std::vector<std::string> with_log = args;
+      with_log.push_back("-log" + log);
+      const RunResult r = RunQv(with_log, RunEnv(temp_));
+      EXPECT_EQ(r.status, status) << log << " " << args[1];
+      EXPECT_EQ(r.output, "");
+    }
+    EXPECT_EQ(ZipMembers(scratch_.Sub("a.zip")), members) << log;
+    EXPECT_FALSE(Exists(scratch_.Sub("b.zip")));
+    EXPECT_EQ(FilesBelow(back).size(), 31u) << log;
+  }
+  EXPECT_EQ(WorkFolders(temp_).size(), 4u);  // the two failed conversions of each log
+}
+
+}  // namespace
+}  // namespace qvtest

@@ -1,0 +1,140 @@
+// Files delivered whole through a temporary, the append-only log file, and a
+// started program that must not outlive its caller.
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <fstream>
+#include <string>
+#include <thread>
+
+#include "platform/append_only_file.h"
+#include "platform/atomic_file.h"
+#include "platform/process.h"
+#include "tests/support/test_support.h"
+
+namespace quorvane::platform {
+namespace {
+
+using qvtest::Exists;
+using qvtest::ReadFile;
+using qvtest::ScratchDir;
+using qvtest::U16;
+using qvtest::WriteFile;
+
+TEST(AtomicFile, TemporaryNameIsHiddenBesideTheDestinationAndFitsAName) {
+  EXPECT_EQ(PartialPathOf(u"a/b/c.csv"), u"a/b/.c.csv.partial");
+  EXPECT_EQ(PartialPathOf(u"c"), u".c.partial");
+  EXPECT_EQ(PartialPathOf(U16("d/日本.mp4")), U16("d/.日本.mp4.partial"));
+  // 246 bytes still fit with the two additions; one more is hashed, the same way each time.
+  const std::u16string fits(246, u'x'), too_long(247, u'x');
+  EXPECT_EQ(PartialPathOf(u"d/" + fits), u"d/." + fits + u".partial");
+  const std::u16string hashed = PartialPathOf(u"d/" + too_long);
+  EXPECT_EQ(hashed.size(), 2 + 1 + 16 + 8u);
+  EXPECT_EQ(hashed, PartialPathOf(u"d/" + too_long));
+  EXPECT_NE(hashed, PartialPathOf(u"d/" + too_long + u"y"));
+}
+
+TEST(AtomicFile, CopyReplacesWholeOrLeavesTheDestinationAsItWas) {
+  ScratchDir dir;
+  const std::string src = dir.Sub("src.bin"), dst = dir.Sub("out/dst.bin");
+  const std::string big(3 << 20, 'q');  // more than one round of the kernel's copy
+  WriteFile(src, big);
+  WriteFile(dst, "old");
+  // A stale temporary of a killed run is taken over; one that is a link is
+  // replaced, never written through.
+  WriteFile(dir.Sub("out/.dst.bin.partial"), "stale and cut sh");
+  ASSERT_TRUE(CopyFileWhole(U16(src), U16(dst)));
+  EXPECT_EQ(ReadFile(dst), big);
+  EXPECT_FALSE(Exists(dir.Sub("out/.dst.bin.partial")));
+  WriteFile(dir.Sub("victim"), "untouched");
+  ASSERT_EQ(::symlink(dir.Sub("victim").c_str(), dir.Sub("out/.dst.bin.partial").c_str()), 0);
+  WriteFile(src, "new");
+  ASSERT_TRUE(CopyFileWhole(U16(src), U16(dst)));
+  EXPECT_EQ(ReadFile(dst), "new");
+  EXPECT_EQ(ReadFile(dir.Sub("victim")), "untouched");
+
+  // Sources that are no readable plain file, and a destination folder that
+  // is missing: false, the destination as it was, no temporary left.
+  ::mkfifo(dir.Sub("fifo").c_str(), 0600);
+  for (const std::string& bad : {dir.Sub("missing"), dir.Sub("out"), dir.Sub("fifo")}) {
+    EXPECT_FALSE(CopyFileWhole(U16(bad), U16(dst))) << bad;
+    EXPECT_EQ(ReadFile(dst), "new") << bad;
+  }
+  EXPECT_FALSE(CopyFileWhole(U16(src), U16(dir.Sub("nowhere/dst.bin"))));
+  EXPECT_EQ(qvtest::ListDir(dir.Sub("out")), std::vector<std::string>{"dst.bin"});
+
+  EXPECT_TRUE(SyncFile(U16(dst)));
+  EXPECT_TRUE(RenameOver(U16(dst), U16(dir.Sub("renamed"))));
+  EXPECT_EQ(ReadFile(dir.Sub("renamed")), "new");
+  EXPECT_FALSE(RenameOver(U16(dst), U16(dir.Sub("renamed"))));
+}
+
+TEST(AppendOnlyFile, AppendsAndNeverHurtsItsCaller) {
+  ScratchDir dir;
+  const std::string log = dir.Sub("log.txt");
+  WriteFile(log, "earlier\n");
+  AppendOnlyFile file;
+  ASSERT_TRUE(file.Open(U16(log)));
+  EXPECT_TRUE(file.Append("one\n") && file.Append("two\n"));
+  EXPECT_EQ(ReadFile(log), "earlier\none\ntwo\n");
+
+  EXPECT_FALSE(file.Open(U16(dir.path())));  // a folder
+  EXPECT_FALSE(file.Append("nowhere\n"));
+  ASSERT_TRUE(file.Open(u"/dev/full"));
+  EXPECT_FALSE(file.Append("no room\n"));
+  // A pipe whose reader has gone fails the write and raises no SIGPIPE that
+  // would end us; a pipe without a reader does not open (it would block).
+  int ends[2];
+  ASSERT_EQ(::pipe(ends), 0);
+  const std::string pipe = "/proc/self/fd/" + std::to_string(ends[1]);
+  ASSERT_TRUE(file.Open(U16(pipe)));
+  EXPECT_TRUE(file.Append("heard\n"));
+  ::close(ends[0]);
+  EXPECT_FALSE(file.Append("unheard\n"));
+  ::close(ends[1]);
+  ASSERT_EQ(::mkfifo(dir.Sub("fifo").c_str(), 0600), 0);
+  EXPECT_FALSE(file.Open(U16(dir.Sub("fifo"))));
+}
+
+// Polls `done` for up to five seconds.
+template <typename Done>
+bool Within5s(Done done) {
+  for (int i = 0; i < 500; ++i) {
+    if (done()) return true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  return false;
+}
+
+// Whether a process still runs (a zombie that nobody has reaped runs no more).
+bool Runs(pid_t pid) {
+  std::ifstream stat("/proc/" + std::to_string(pid) + "/stat");
+  std::string text((std::istreambuf_iterator<char>(stat)), std::istreambuf_iterator<char>());
+  const auto state = text.rfind(')') + 2;
+  return state < text.size() && text[state] != 'Z' && text[state] != 'X';
+}
+
+TEST(Process, AStartedProgramEndsWithItsCaller) {
+  ScratchDir dir;
+  const std::string pid_file = dir.Sub("pid");
+  const pid_t caller = ::fork();
+  ASSERT_GE(caller, 0);
+  if (caller == 0) {
+    RunProcess({u"sh", u"-c", U16("echo $$ > " + pid_file + ".tmp; mv " + pid_file + ".tmp " +
+                                  pid_file + "; exec sleep 30")});
+    ::_exit(0);
+  }
+  ASSERT_TRUE(Within5s([&] { return Exists(pid_file); }));
+  const pid_t tool = std::stoi(ReadFile(pid_file));
+  EXPECT_TRUE(Runs(tool));
+  ::kill(caller, SIGKILL);
+  ::waitpid(caller, nullptr, 0);
+  EXPECT_TRUE(Within5s([&] { return !Runs(tool); })) << "the program outlived its killed caller";
+  ::kill(tool, SIGKILL);
+}
+
+}  // namespace
+}  // namespace quorvane::platform

@@ -1,0 +1,106 @@
+#include "workspace/atomic_delivery.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "tests/support/test_support.h"
+#include "workspace/archive_tool.h"
+
+namespace {
+
+using namespace quorvane::qvconv::converter;
+using qvtest::Exists;
+using qvtest::ListDir;
+using qvtest::ReadFile;
+using qvtest::U16;
+using qvtest::WriteFile;
+
+// Every plain file below a folder, hidden ones included, relative and sorted.
+std::vector<std::string> AllFiles(const std::string& folder) {
+  std::vector<std::string> files;
+  if (!qvtest::IsDir(folder)) return files;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+    if (entry.is_regular_file()) {
+      files.push_back(std::filesystem::relative(entry.path(), folder).string());
+    }
+  }
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+class AtomicDelivery : public testing::Test {
+ protected:
+  AtomicDelivery() { WriteFile(folder_ + "/QvS.xml", "<s/>"); }
+
+  qvtest::ScratchDir scratch_;
+  std::string folder_ = scratch_.Sub("work/QvFormat");
+};
+
+// The name of the package is the one the archive tool gives a new archive:
+// the tool packs straight into one folder and through the temporary into
+// another, and both folders must end up with the same names.
+TEST_F(AtomicDelivery, PackageGetsTheNameTheToolGivesIt) {
+  const std::vector<std::string> names = {"out", "out.zip", "out.ZIP", "x.", "x..", ".hidden",
+                                          "sp ", "q.zip.", "a\\b", "new/inner.zip"};
+  for (const std::string& name : names) {
+    const std::string direct = scratch_.Sub("direct"), whole = scratch_.Sub("whole");
+    PackFolder(U16(folder_), U16(direct + "/" + name), false);
+    PackFolderWhole(U16(folder_), U16(whole + "/" + name), false);
+    EXPECT_EQ(AllFiles(whole), AllFiles(direct)) << name;
+    qvtest::RemoveAll(direct);
+    qvtest::RemoveAll(whole);
+  }
+  EXPECT_EQ(ZipPathOf(u"d.v/out"), u"d.v/out.zip");
+  EXPECT_EQ(ZipPathOf(u"out.tar"), u"out.tar");
+}
+
+TEST_F(AtomicDelivery, PackageAddsToTheArchiveThereAndLeavesNoTemporary) {
+  const std::string zip = scratch_.Sub("out/p.zip");
+  WriteFile(scratch_.Sub("old/old.txt"), "old");
+  qvtest::ZipFolderContents(scratch_.Sub("old"), zip);
+  // What a killed run left: a temporary cut short and the tool's own.
+  WriteFile(zip + ".partial", "PK cut short");
+  WriteFile(zip + ".partial.tmp", "PK cut short too");
+  PackFolderWhole(U16(folder_), U16(zip), false);
+  EXPECT_EQ(qvtest::ZipMembers(zip),
+            (std::vector<std::string>{"QvFormat", "QvFormat/QvS.xml", "old.txt"}));
+  EXPECT_EQ(ListDir(scratch_.Sub("out")), std::vector<std::string>{"p.zip"});
+}
+
+// A tool that fails (no archive to add to) or cannot start: the destination
+// keeps its bytes and no temporary is left.
+TEST_F(AtomicDelivery, FailedPackLeavesTheDestinationAsItWas) {
+  const std::string zip = scratch_.Sub("out/p.zip");
+  WriteFile(zip, "not a zip at all");
+  PackFolderWhole(U16(folder_), U16(zip), false);
+  EXPECT_EQ(ReadFile(zip), "not a zip at all");
+  EXPECT_EQ(ListDir(scratch_.Sub("out")), std::vector<std::string>{"p.zip"});
+
+  qvtest::EnvOverride path("PATH", scratch_.Sub("no_tools"));
+  EXPECT_EQ(qvtest::CodeOf([&] { PackFolderWhole(U16(folder_), U16(zip), false); }), -401);
+  EXPECT_EQ(ReadFile(zip), "not a zip at all");
+  EXPECT_EQ(ListDir(scratch_.Sub("out")), std::vector<std::string>{"p.zip"});
+}
+
+// The rules of the plain tree copy hold, every file arrives whole, and no
+// temporary is left.
+TEST_F(AtomicDelivery, TreeCopyKeepsTheRulesOfThePlainCopy) {
+  const std::string src = scratch_.Sub("src"), dst = scratch_.Sub("dst");
+  WriteFile(src + "/a.csv", "a");
+  WriteFile(src + "/sub/b.csv", std::string(1 << 20, 'b'));
+  WriteFile(dst + "/a.csv", "old a");
+  CopyTreeWhole(U16(src), U16(dst));
+  CopyTreeWhole(U16(src + "/a.csv"), U16(dst + "/single.csv"));  // a file to a full path
+  CopyTreeWhole(U16(scratch_.Sub("missing")), U16(dst));
+  CopyTreeWhole(U16(src), U16(scratch_.Sub("absent")));  // the top folder is not made
+  EXPECT_EQ(AllFiles(dst), (std::vector<std::string>{"a.csv", "single.csv", "sub/b.csv"}));
+  EXPECT_EQ(ReadFile(dst + "/a.csv") + ReadFile(dst + "/single.csv"), "aa");
+  EXPECT_EQ(ReadFile(dst + "/sub/b.csv").size(), 1u << 20);
+  EXPECT_FALSE(Exists(scratch_.Sub("absent")));
+}
+
+}  // namespace
