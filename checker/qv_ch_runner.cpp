@@ -6,7 +6,7 @@
 #include <ctime>
 #include <exception>
 
-#include "app/qv_conv_exception.h"
+#include "base/qv_conv_exception.h"
 #include "checker/qv_ch_text.h"
 #include "checker/qv_checker.h"
 #include "csv/qv_csv_file.h"

@@ -2,7 +2,7 @@
 
 #include <iterator>
 
-#include "app/qv_conv_exception.h"
+#include "base/qv_conv_exception.h"
 
 namespace quorvane::qvconv::checker {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <exception>
 
-#include "app/qv_conv_exception.h"
+#include "base/qv_conv_exception.h"
 #include "checker/qv_ch_message.h"
 #include "checker/qv_ch_runner.h"
 #include "platform/system_info.h"

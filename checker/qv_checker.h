@@ -23,7 +23,7 @@
 #include <memory>
 #include <string>
 
-#include "app/qv_conv_run_config.h"
+#include "base/qv_conv_run_config.h"
 #include "checker/qv_ch_file_kind.h"
 #include "xml/qvf_xml_document.h"
 

@@ -5,7 +5,7 @@
 #include <exception>
 #include <utility>
 
-#include "app/qv_conv_exception.h"
+#include "base/qv_conv_exception.h"
 #include "platform/file_system.h"
 #include "workspace/run_log.h"
 #include "workspace/text_conversion.h"

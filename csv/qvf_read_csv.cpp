@@ -4,7 +4,7 @@
 #include <exception>
 #include <utility>
 
-#include "app/qv_conv_exception.h"
+#include "base/qv_conv_exception.h"
 #include "model/qvf_text_forms.h"
 
 namespace quorvane::qvconv::io::csv {

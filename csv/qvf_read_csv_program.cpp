@@ -8,7 +8,7 @@
 #include <string_view>
 #include <utility>
 
-#include "app/qv_conv_exception.h"
+#include "base/qv_conv_exception.h"
 #include "csv/qvf_read_csv.h"
 #include "model/qvf_text_forms.h"
 #include "workspace/project_path.h"

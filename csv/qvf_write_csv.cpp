@@ -7,7 +7,7 @@
 #include <exception>
 #include <string>
 
-#include "app/qv_conv_exception.h"
+#include "base/qv_conv_exception.h"
 #include "model/qvf_text_forms.h"
 #include "platform/system_info.h"
 

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/qv_conv_exception.h"
+#include "base/qv_conv_exception.h"
 #include "csv/qvf_write_csv.h"
 #include "model/qvf_text_forms.h"
 #include "platform/file_system.h"

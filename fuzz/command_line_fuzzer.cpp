@@ -40,7 +40,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   qvfuzz::Guarded([&] {
     const std::u16string value = converter::OptionValue(u"-td", u"-td" + whole);
     converter::QvConvRunConfig config;
-    config.SetDisplayRegion(value);
+    converter::SetDisplayRegion(value, &config);
   });
   return 0;
 }

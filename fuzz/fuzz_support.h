@@ -16,7 +16,7 @@
 #include <string>
 #include <string_view>
 
-#include "app/qv_conv_exception.h"
+#include "base/qv_conv_exception.h"
 
 namespace qvfuzz {
 

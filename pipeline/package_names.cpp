@@ -1,6 +1,6 @@
 #include "pipeline/package_names.h"
 
-#include "app/qv_conv_exception.h"
+#include "base/qv_conv_exception.h"
 
 namespace quorvane::qvconv::converter {
 

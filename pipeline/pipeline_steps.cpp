@@ -2,7 +2,7 @@
 
 #include <exception>
 
-#include "app/qv_conv_exception.h"
+#include "base/qv_conv_exception.h"
 #include "platform/file_system.h"
 #include "workspace/atomic_delivery.h"
 #include "workspace/run_log.h"

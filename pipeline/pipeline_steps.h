@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "app/qv_conv_run_config.h"
+#include "base/qv_conv_run_config.h"
 
 namespace quorvane::qvconv::converter {
 

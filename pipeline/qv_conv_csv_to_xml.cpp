@@ -4,7 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include "app/qv_conv_exception.h"
+#include "base/qv_conv_exception.h"
 #include "csv/qvf_read_csv.h"
 #include "platform/file_system.h"
 #include "pipeline/pipeline_steps.h"

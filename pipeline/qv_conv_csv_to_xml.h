@@ -16,7 +16,7 @@
 
 #include <string>
 
-#include "app/qv_conv_run_config.h"
+#include "base/qv_conv_run_config.h"
 #include "checker/qv_checker.h"
 
 namespace quorvane::qvconv::io::csv {

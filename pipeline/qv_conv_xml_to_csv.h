@@ -8,7 +8,7 @@
 #ifndef QV_PIPELINE_QV_CONV_XML_TO_CSV_H_
 #define QV_PIPELINE_QV_CONV_XML_TO_CSV_H_
 
-#include "app/qv_conv_run_config.h"
+#include "base/qv_conv_run_config.h"
 
 namespace quorvane::qvconv::converter {
 

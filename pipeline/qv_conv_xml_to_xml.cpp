@@ -4,7 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include "app/qv_conv_exception.h"
+#include "base/qv_conv_exception.h"
 #include "pipeline/package_names.h"
 #include "pipeline/pipeline_steps.h"
 #include "platform/file_system.h"

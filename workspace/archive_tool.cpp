@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "app/qv_conv_exception.h"
+#include "base/qv_conv_exception.h"
 #include "platform/extracted_names.h"
 #include "platform/file_system.h"
 #include "platform/file_lock.h"

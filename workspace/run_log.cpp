@@ -5,7 +5,7 @@
 #include <exception>
 #include <memory>
 
-#include "app/qv_conv_exception.h"
+#include "base/qv_conv_exception.h"
 #include "platform/append_only_file.h"
 #include "platform/file_system.h"
 #include "platform/process.h"

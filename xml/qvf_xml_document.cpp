@@ -15,7 +15,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "app/qv_conv_exception.h"
+#include "base/qv_conv_exception.h"
 #include "platform/file_system.h"
 #include "platform/system_info.h"
 #include "platform/text_codec.h"

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "app/qv_conv_exception.h"
-#include "app/qv_conv_run_config.h"
+#include "base/qv_conv_exception.h"
+#include "base/qv_conv_run_config.h"
 #include "app/run/run_control.h"
 #include "tests/support/test_support.h"
 
@@ -88,14 +88,17 @@ TEST(DisplayRegion, FieldsAndConversion) {
   };
   for (const auto& [text, expected] : cases) {
     QvConvRunConfig config;
-    config.SetDisplayRegion(text);
+    SetDisplayRegion(text, &config);
     const QvConvDisplayRegion r = config.DisplayRegion();
     EXPECT_EQ(std::vector<int>({r.x, r.y, r.width, r.height}), expected) << qvtest::U8(text);
   }
   for (const char16_t* bad : {u"()", u"1,2,3,4,5", u"1,2,3,4,,", u",,,", u"1;2;3;4"})
-    EXPECT_EQ(qvtest::CodeOf([&] { QvConvRunConfig().SetDisplayRegion(bad); }), -1) << qvtest::U8(bad);
+    EXPECT_EQ(qvtest::CodeOf([&] {
+      QvConvRunConfig config;
+      SetDisplayRegion(bad, &config);
+    }), -1) << qvtest::U8(bad);
   QvConvRunConfig untouched;
-  untouched.SetDisplayRegion(u"");  // empty text changes nothing
+  SetDisplayRegion(u"", &untouched);  // empty text changes nothing
   EXPECT_EQ(untouched.DisplayRegion().width, 0);
 }
 
@@ -112,7 +115,7 @@ TEST(QvConvException, IsNotCaughtAsStandardException) {
 }
 
 TEST(DispatchDeathTest, UnknownKindsEndWith997) {
-  QvConvRunConfig bad_kind(u"in", u"out", u"");
+  QvConvRunConfig bad_kind(u"in", u"out");
   bad_kind.SetOutputKind(3);
   EXPECT_EXIT(Dispatch(bad_kind), testing::ExitedWithCode(-997 & 0xff), "");
   bad_kind.SetOutputKind(KindProject);

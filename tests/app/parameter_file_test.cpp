@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "app/qv_conv_run_config.h"
+#include "app/run/parameter_file.h"
 #include "tests/support/test_support.h"
 
 namespace {
@@ -17,7 +17,7 @@ class ParameterFile : public testing::Test {
     const std::string path = scratch_.Sub("param.xml");
     qvtest::WriteFile(path, text);
     config_ = QvConvRunConfig();
-    return qvtest::CodeOf([&] { config_.ReadParameterFile(qvtest::U16(path)); });
+    return qvtest::CodeOf([&] { ReadParameterFile(qvtest::U16(path), &config_); });
   }
   int Read(const std::string& xml) {
     return ReadText("<QvConvParameter>" + xml + "</QvConvParameter>");

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "app/qv_conv_exception.h"
+#include "base/qv_conv_exception.h"
 #include "checker/qv_ch_message.h"
 #include "checker/qv_checker.h"
 #include "tests/support/test_support.h"

@@ -15,7 +15,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/qv_conv_exception.h"
+#include "base/qv_conv_exception.h"
 
 namespace qvtest {
 

@@ -1,19 +1,8 @@
-// The conversion parameter file: an XML file that names the form of the input
-// and of the output and says whether the output is packed.
-//
-//   <QvConvParameter version="1.0">
-//     <Input format="application/x-qvf" archive="no"/>
-//     <Output format="application/x-quorvane" archive="yes" compress="no"/>
-//   </QvConvParameter>
-//
-// Values are compared exactly, case included; an empty or missing attribute
-// keeps the current value.  Other elements, attributes and text are passed
-// over.  Elements are read in document order, so a later one wins for each
-// attribute it has.
+#include "app/run/parameter_file.h"
+
 #include <cstdint>
 
-#include "app/qv_conv_exception.h"
-#include "app/qv_conv_run_config.h"
+#include "base/qv_conv_exception.h"
 #include "xml/qvf_xml_document.h"
 
 namespace quorvane::qvconv::converter {
@@ -51,9 +40,8 @@ void ReadYesNo(const xercesc::DOMElement* element, const char16_t* name, bool* f
 
 }  // namespace
 
-void QvConvRunConfig::ReadParameterFile(const std::u16string& path) {
+void ReadParameterFile(const std::u16string& path, QvConvRunConfig* config) {
   try {
-    parameter_path_ = path;
     qxml::QvFXmlDocument document;
     document.parse(path);  // -300 when the file cannot be read or parsed
     const xercesc::DOMElement* root = document.root();
@@ -61,16 +49,22 @@ void QvConvRunConfig::ReadParameterFile(const std::u16string& path) {
     const std::u16string version = qxml::QvFXmlDocument::getAttribute(root, u"version");
     if (!version.empty() && version != u"1.0") ThrowCode(codes::kParameterFileBad);
 
-    qxml::ForEachChildElement(root, [this](const xercesc::DOMElement* element) {
+    // Each attribute goes into the configuration as soon as it is read, so a
+    // bad value later in the file leaves the earlier ones in place.
+    qxml::ForEachChildElement(root, [config](const xercesc::DOMElement* element) {
       const std::u16string name = qxml::TagName(element);
-      if (name == u"Input") {
-        ReadFormat(element, &input_kind_);
-        ReadYesNo(element, u"archive", &input_archive_);
-      } else if (name == u"Output") {
-        ReadFormat(element, &output_kind_);
-        ReadYesNo(element, u"archive", &output_archive_);
-        ReadYesNo(element, u"compress", &compress_);
-      }
+      const bool input = name == u"Input";
+      if (!input && name != u"Output") return;
+      std::int32_t kind = input ? config->InputKind() : config->OutputKind();
+      ReadFormat(element, &kind);
+      input ? config->SetInputKind(kind) : config->SetOutputKind(kind);
+      bool archive = input ? config->InputArchive() : config->OutputArchive();
+      ReadYesNo(element, u"archive", &archive);
+      input ? config->SetInputArchive(archive) : config->SetOutputArchive(archive);
+      if (input) return;
+      bool compress = config->Compress();
+      ReadYesNo(element, u"compress", &compress);
+      config->SetCompress(compress);
     });
     document.release();
   } catch (QvConvException*) {

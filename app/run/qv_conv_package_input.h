@@ -19,14 +19,14 @@
 // platform/private_folder.h): one that is a link, someone else's or writable
 // by others ends the run with -3 before anything is extracted or removed.
 //
-// Calling order: IsXmlPackage, Unpack, IsXmlPackage.
-#ifndef QV_WORKSPACE_QV_CONV_PACKAGE_INPUT_H_
-#define QV_WORKSPACE_QV_CONV_PACKAGE_INPUT_H_
+// Calling order: IsXmlPackage, then Unpack.
+#ifndef QV_APP_RUN_QV_CONV_PACKAGE_INPUT_H_
+#define QV_APP_RUN_QV_CONV_PACKAGE_INPUT_H_
 
 #include <memory>
 #include <string>
 
-#include "app/qv_conv_run_config.h"
+#include "base/qv_conv_run_config.h"
 
 namespace quorvane::platform {
 class FileLock;
@@ -46,9 +46,9 @@ class QvConvPackageInput {
   // lock is not ours alone, -402 when the tool cannot be started or on a
   // standard exception) and removes the probe folder; later calls give the
   // remembered answer.
-  bool& IsXmlPackage();
+  bool IsXmlPackage();
 
-  // Extracts the input: into the output folder for a plain archive, into
+  // Extracts the input (IsXmlPackage has been called): into the output folder for a plain archive, into
   // UnzipFolder() (emptied first) for an XML package, whose configuration is
   // then switched to the XML to CSV conversion.  Codes: -1 no destination,
   // -3 a folder cannot be made or is not ours alone, -402 the tool cannot be
@@ -76,4 +76,4 @@ class QvConvPackageInput {
 
 }  // namespace quorvane::qvconv::converter
 
-#endif  // QV_WORKSPACE_QV_CONV_PACKAGE_INPUT_H_
+#endif  // QV_APP_RUN_QV_CONV_PACKAGE_INPUT_H_

@@ -1,8 +1,8 @@
-#include "workspace/qv_conv_package_input.h"
+#include "app/run/qv_conv_package_input.h"
 
 #include <exception>
 
-#include "app/qv_conv_exception.h"
+#include "base/qv_conv_exception.h"
 #include "platform/file_lock.h"
 #include "platform/private_folder.h"
 #include "platform/system_info.h"
@@ -23,7 +23,7 @@ QvConvPackageInput::QvConvPackageInput(QvConvRunConfig& config) : config_(config
 
 QvConvPackageInput::~QvConvPackageInput() = default;
 
-bool& QvConvPackageInput::IsXmlPackage() {
+bool QvConvPackageInput::IsXmlPackage() {
   if (probed_) return answer_;
   try {
     answer_ = false;

@@ -1,12 +1,12 @@
 // QvConvRunConfig: the configuration of one run, a plain value record copied
-// into each pipeline.  Built by the option loop from the command line (and,
-// when given a path, from a conversion parameter file); changed afterwards only
-// by the opening of an XML package.
+// into each pipeline.  It reads nothing and checks nothing: the run control
+// fills it from the command line and the conversion parameter file, and the
+// opening of an XML package changes it afterwards.
 //
 // No path is normalised: no separator is added or removed, and a relative path
 // is relative to the current folder.
-#ifndef QV_APP_QV_CONV_RUN_CONFIG_H_
-#define QV_APP_QV_CONV_RUN_CONFIG_H_
+#ifndef QV_BASE_QV_CONV_RUN_CONFIG_H_
+#define QV_BASE_QV_CONV_RUN_CONFIG_H_
 
 #include <cstdint>
 #include <string>
@@ -31,26 +31,18 @@ struct QvConvDisplayRegion {
 class QvConvRunConfig {
  public:
   QvConvRunConfig() = default;
-  // Sets input_path and output_path; a non-empty parameterFile is then read
-  // with ReadParameterFile, which may change kinds and flags.
-  QvConvRunConfig(const std::u16string& input, const std::u16string& output,
-                  const std::u16string& parameterFile);
-
-  // Reads a conversion parameter file into the kinds and flags.  Throws a
-  // QvConvException pointer: -201 for a wrong value, -200 for anything
-  // unforeseen, -300 for a file that cannot be parsed.
-  void ReadParameterFile(const std::u16string& path);
+  QvConvRunConfig(const std::u16string& input, const std::u16string& output)
+      : input_path_(input), output_path_(output) {}
 
   // check_only := flag; check_path := path unless path is empty.
-  void SetCheck(bool flag, const std::u16string& path);
+  void SetCheck(bool flag, const std::u16string& path) {
+    check_only_ = flag;
+    if (!path.empty()) check_path_ = path;
+  }
   void SetWorkRoot(const std::u16string& path) { work_root_ = path; }
-  // Parses "(x,y,width,height)" (parentheses optional).  Empty text changes
-  // nothing; a text of other than four fields throws -1.
-  void SetDisplayRegion(const std::u16string& text);
 
   std::u16string InputPath() const { return input_path_; }
   std::u16string OutputPath() const { return output_path_; }
-  std::u16string ParameterPath() const { return parameter_path_; }
   std::u16string CheckPath() const { return check_path_; }
   std::u16string WorkRoot() const { return work_root_; }
   // conversion_root if it is set, else work_root.
@@ -77,12 +69,11 @@ class QvConvRunConfig {
   void SetInputArchive(bool flag) { input_archive_ = flag; }
   void SetOutputArchive(bool flag) { output_archive_ = flag; }
   void SetCompress(bool flag) { compress_ = flag; }
-  void SetDisplayRegionValue(const QvConvDisplayRegion& region) { display_region_ = region; }
+  void SetDisplayRegion(const QvConvDisplayRegion& region) { display_region_ = region; }
 
  private:
   std::u16string input_path_;
   std::u16string output_path_;
-  std::u16string parameter_path_;
   std::u16string check_path_;
   std::u16string work_root_;
   std::u16string conversion_root_;
@@ -99,4 +90,4 @@ class QvConvRunConfig {
 
 }  // namespace quorvane::qvconv::converter
 
-#endif  // QV_APP_QV_CONV_RUN_CONFIG_H_
+#endif  // QV_BASE_QV_CONV_RUN_CONFIG_H_

@@ -7,8 +7,8 @@
 //
 // The base std::exception is private, so that a handler for std::exception
 // never takes a QvConvException thrown by value for a standard failure.
-#ifndef QV_APP_QV_CONV_EXCEPTION_H_
-#define QV_APP_QV_CONV_EXCEPTION_H_
+#ifndef QV_BASE_QV_CONV_EXCEPTION_H_
+#define QV_BASE_QV_CONV_EXCEPTION_H_
 
 #include <cstdint>
 #include <exception>
@@ -56,4 +56,4 @@ inline constexpr std::int32_t kUnknownFailure = -999;
 
 }  // namespace quorvane::qvconv::converter
 
-#endif  // QV_APP_QV_CONV_EXCEPTION_H_
+#endif  // QV_BASE_QV_CONV_EXCEPTION_H_
