@@ -1,4 +1,5 @@
-// QvConvException: the one exception type of the program.
+// QvConvException: the one exception type of the program, every exit code,
+// and Guarded, the one way a step turns a standard exception into its code.
 //
 // It is allocated with new and thrown as a pointer; nobody deletes it, since
 // the process ends right after the catch with the code as its exit code.  A
@@ -12,6 +13,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <utility>
 
 namespace quorvane::qvconv::converter {
 
@@ -34,6 +36,9 @@ namespace codes {
 inline constexpr std::int32_t kErrorsFound = 2;
 inline constexpr std::int32_t kWarningsFound = 1;
 inline constexpr std::int32_t kFinished = 0;
+// A failure inside a conversion step that the format ends with 0, as if the
+// run had finished: nothing is delivered and no report is written.
+inline constexpr std::int32_t kFinishedDespiteFailure = 0;
 inline constexpr std::int32_t kBadCommandLine = -1;
 inline constexpr std::int32_t kCannotCreate = -3;
 inline constexpr std::int32_t kCopyFailed = -4;
@@ -53,6 +58,18 @@ inline constexpr std::int32_t kBadKind = -997;
 inline constexpr std::int32_t kNoCheckRow = -998;
 inline constexpr std::int32_t kUnknownFailure = -999;
 }  // namespace codes
+
+// Runs `step` and gives back what it returns.  A QvConvException (a pointer,
+// or the check's by value) passes untouched; a standard exception becomes a
+// QvConvException pointer with `code`; anything else passes too.
+template <class Step>
+decltype(auto) Guarded(std::int32_t code, Step&& step) {
+  try {
+    return std::forward<Step>(step)();
+  } catch (const std::exception&) {
+    ThrowCode(code);
+  }
+}
 
 }  // namespace quorvane::qvconv::converter
 

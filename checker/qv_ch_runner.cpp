@@ -46,13 +46,7 @@ void QvChRunner::reportBadCell(const QvChTable& row_table, const std::u16string&
 
 void QvChRunner::walkFile(QvChFileKind kind, const std::u16string& path) {
   io::csv::QvCsvFile csv;
-  try {
-    csv.ReadFile(path);
-  } catch (QvConvException*) {
-    throw;
-  } catch (const std::exception&) {
-    converter::ThrowCode(converter::codes::kProjectFileBad);
-  }
+  converter::Guarded(converter::codes::kProjectFileBad, [&] { csv.ReadFile(path); });
   file = path;
   const std::vector<QvChTemplateRow> templates = table.templateOf(kind);
   const std::size_t template_count = templates.size();

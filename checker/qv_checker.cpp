@@ -77,13 +77,7 @@ void QvChecker::checkFile(QvChFileKind kind, const std::u16string& path) {
 void QvChecker::writeReport(const std::u16string& path) {
   // A file that cannot be made or written is the XML library's own failure,
   // no standard exception: it passes on and ends the run as unknown (-999).
-  try {
-    report->serialize(path, true);
-  } catch (QvConvException*) {
-    throw;
-  } catch (const std::exception&) {
-    converter::ThrowCode(converter::codes::kReportNotWritten);
-  }
+  converter::Guarded(converter::codes::kReportNotWritten, [&] { report->serialize(path, true); });
 }
 
 std::tm QvChecker::localNow() {

@@ -15,6 +15,7 @@ namespace quorvane::qvconv::io::csv {
 namespace {
 
 using converter::QvConvException;
+using converter::Guarded;
 using converter::ThrowCode;
 namespace codes = converter::codes;
 
@@ -68,15 +69,11 @@ std::u16string EscapeField(std::u16string field) {
 }  // namespace
 
 void QvCsvFile::ReadFile(const std::u16string& path) {
-  try {
+  Guarded(codes::kCsvIoFailed, [&] {
     std::string bytes;
     if (!platform::ReadFile(path, &bytes)) ThrowCode(codes::kProjectFileMissing);
     ReadBytes(bytes);
-  } catch (QvConvException*) {
-    throw;
-  } catch (const std::exception&) {
-    ThrowCode(codes::kCsvIoFailed);
-  }
+  });
 }
 
 void QvCsvFile::ReadBytes(std::string_view bytes) {

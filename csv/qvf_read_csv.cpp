@@ -12,6 +12,7 @@ namespace quorvane::qvconv::io::csv {
 namespace {
 
 using converter::QvConvException;
+using converter::Guarded;
 using converter::ThrowCode;
 namespace codes = converter::codes;
 
@@ -26,7 +27,7 @@ void RequireColumns(const QvCsvFile::Row& row, std::size_t count) {
 }  // namespace
 
 fmt::QvFSchedule QvFReadCsv::readSchedule(std::u16string path) {
-  try {
+  return Guarded(codes::kProjectFileBad, [&] {
     fmt::QvFSchedule schedule;
     QvCsvFile file;
     file.ReadFile(path);
@@ -48,15 +49,11 @@ fmt::QvFSchedule QvFReadCsv::readSchedule(std::u16string path) {
       schedule.schedule_list.schedules.push_back(std::move(entry));
     }
     return schedule;
-  } catch (QvConvException*) {
-    throw;
-  } catch (const std::exception&) {
-    ThrowCode(codes::kProjectFileBad);
-  }
+  });
 }
 
 std::unique_ptr<fmt::QvFTimeTable> QvFReadCsv::readTimeTable(std::u16string path) {
-  try {
+  return Guarded(codes::kProjectFileBad, [&] {
     auto timetable = std::make_unique<fmt::QvFTimeTable>();
     QvCsvFile file;
     file.ReadFile(path);
@@ -84,11 +81,7 @@ std::unique_ptr<fmt::QvFTimeTable> QvFReadCsv::readTimeTable(std::u16string path
       timetable->table_list.tables.push_back(std::move(table));
     }
     return timetable;
-  } catch (QvConvException*) {
-    throw;
-  } catch (const std::exception&) {
-    ThrowCode(codes::kProjectFileBad);
-  }
+  });
 }
 
 }  // namespace quorvane::qvconv::io::csv

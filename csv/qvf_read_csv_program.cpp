@@ -18,6 +18,7 @@ namespace quorvane::qvconv::io::csv {
 namespace {
 
 using converter::QvConvException;
+using converter::Guarded;
 using converter::ThrowCode;
 namespace codes = converter::codes;
 
@@ -153,7 +154,7 @@ std::optional<fmt::QvFImageEffect> EffectOf(std::int32_t code) {
 }  // namespace
 
 std::unique_ptr<fmt::QvFProgram> QvFReadCsv::readProgram(std::u16string path) {
-  try {
+  return Guarded(codes::kProjectFileBad, [&] {
     auto program = std::make_unique<fmt::QvFProgram>();
     QvCsvFile file;
     file.ReadFile(path);
@@ -203,15 +204,11 @@ std::unique_ptr<fmt::QvFProgram> QvFReadCsv::readProgram(std::u16string path) {
       program->pane_info.panes.push_back(std::move(pane));
     }
     return program;
-  } catch (QvConvException*) {
-    throw;
-  } catch (const std::exception&) {
-    ThrowCode(codes::kProjectFileBad);
-  }
+  });
 }
 
 fmt::QvFPlaylist QvFReadCsv::readPlaylist(std::u16string path) {
-  try {
+  return Guarded(codes::kProjectFileBad, [&] {
     fmt::QvFPlaylist playlist;
     QvCsvFile file;
     file.ReadFile(path);
@@ -247,15 +244,11 @@ fmt::QvFPlaylist QvFReadCsv::readPlaylist(std::u16string path) {
       playlist.contents.push_back(std::move(blank));
     }
     return playlist;
-  } catch (QvConvException*) {
-    throw;
-  } catch (const std::exception&) {
-    ThrowCode(codes::kProjectFileBad);
-  }
+  });
 }
 
 void QvFReadCsv::readContents(std::u16string path, fmt::QvFPlaylist& playlist, QvFCsvProgramEntry& entry) {
-  try {
+  Guarded(codes::kProjectFileBad, [&] {
     QvCsvFile file;
     file.ReadFile(path);
 
@@ -342,11 +335,7 @@ void QvFReadCsv::readContents(std::u16string path, fmt::QvFPlaylist& playlist, Q
     }
     playlist.contents.push_back(std::move(content));
     index_.content_files.push_back(QvFCsvContentFile{id, content_path});
-  } catch (QvConvException*) {
-    throw;
-  } catch (const std::exception&) {
-    ThrowCode(codes::kProjectFileBad);
-  }
+  });
 }
 
 }  // namespace quorvane::qvconv::io::csv

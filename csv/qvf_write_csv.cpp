@@ -16,7 +16,7 @@ namespace quorvane::qvconv::io::csv {
 namespace {
 
 using converter::QvConvException;
-using converter::ThrowCode;
+using converter::Guarded;
 namespace codes = converter::codes;
 
 // The colour text of line 2 of a time table; nothing reads it.
@@ -64,7 +64,7 @@ QvFWriteCsv::QvFWriteCsv() : stamp_(StampOf(platform::LocalNow())) {}
 QvFWriteCsv::QvFWriteCsv(std::u16string stamp) : stamp_(std::move(stamp)) {}
 
 void QvFWriteCsv::outputSchedule(std::u16string path, fmt::QvFSchedule schedule) {
-  try {
+  Guarded(codes::kCsvIoFailed, [&] {
     QvCsvFile file;
     file.AddRow({schedule.schedule_list.name});
     file.AddRow({fmt::FormatFlag(schedule.schedule_list.add)});
@@ -73,15 +73,11 @@ void QvFWriteCsv::outputSchedule(std::u16string path, fmt::QvFSchedule schedule)
                    fmt::FormatFlag(entry.default_)});
     }
     file.WriteFile(path);
-  } catch (QvConvException*) {
-    throw;
-  } catch (const std::exception&) {
-    ThrowCode(codes::kCsvIoFailed);
-  }
+  });
 }
 
 void QvFWriteCsv::outputTimeTable(std::u16string path, const fmt::QvFTimeTable& timetable) {
-  try {
+  Guarded(codes::kCsvIoFailed, [&] {
     QvCsvFile file;
     file.AddRow({timetable.table_list.name});
     file.AddRow({kTimeTableColor});
@@ -100,11 +96,7 @@ void QvFWriteCsv::outputTimeTable(std::u16string path, const fmt::QvFTimeTable& 
       // A row with neither carries nothing and is not written.
     }
     file.WriteFile(path);
-  } catch (QvConvException*) {
-    throw;
-  } catch (const std::exception&) {
-    ThrowCode(codes::kCsvIoFailed);
-  }
+  });
 }
 
 std::u16string QvFWriteCsv::scheduleFileName() const { return u"Schedule_" + stamp_ + u"_001.csv"; }

@@ -21,6 +21,7 @@ namespace quorvane::qvconv::io::csv {
 namespace {
 
 using converter::QvConvException;
+using converter::Guarded;
 using converter::ThrowCode;
 namespace codes = converter::codes;
 
@@ -102,7 +103,7 @@ bool IsBlank(const std::shared_ptr<fmt::QvFContent>& item) { return !item || ite
 }  // namespace
 
 void QvFWriteCsv::outputProgram(std::u16string path, fmt::QvFProgram program) {
-  try {
+  Guarded(codes::kCsvIoFailed, [&] {
     const fmt::QvFProgramInfo& info = program.program_info;
     const std::array<std::u16string, 4> frame = fmt::FormatRegion(info.region);
     const std::u16string background = fmt::FormatColorHex(info.background_color);
@@ -133,18 +134,14 @@ void QvFWriteCsv::outputProgram(std::u16string path, fmt::QvFProgram program) {
       file.AddRow(std::move(row));
     }
     file.WriteFile(path);
-  } catch (QvConvException*) {
-    throw;
-  } catch (const std::exception&) {
-    ThrowCode(codes::kCsvIoFailed);
-  }
+  });
 }
 
 void QvFWriteCsv::outputPlaylist(std::u16string, fmt::QvFPlaylist) {}
 
 void QvFWriteCsv::outputPlaylistFile(std::int32_t index, std::u16string folder, const fmt::QvFPlaylist* playlist,
                                      QvFNameMap& content_names) {
-  try {
+  Guarded(codes::kCsvIoFailed, [&] {
     const std::u16string path = InFolder(folder, playlistFileName(index));
     // A playlist of blanks alone is written empty: the reader brings the
     // blank back from the pane's colour.
@@ -171,15 +168,11 @@ void QvFWriteCsv::outputPlaylistFile(std::int32_t index, std::u16string folder, 
     }
     // The list comes last, after all its contents files stand.
     file.WriteFile(path);
-  } catch (QvConvException*) {
-    throw;
-  } catch (const std::exception&) {
-    ThrowCode(codes::kCsvIoFailed);
-  }
+  });
 }
 
 void QvFWriteCsv::outputContents(std::u16string path, const fmt::QvFContent& item, QvFNameMap& content_names) {
-  try {
+  Guarded(codes::kCsvIoFailed, [&] {
     QvCsvFile file;
     std::u16string content_file;
     std::u16string content_id;
@@ -220,11 +213,7 @@ void QvFWriteCsv::outputContents(std::u16string path, const fmt::QvFContent& ite
     }
     if (!content_file.empty()) content_names.emplace(content_id, content_file);
     file.WriteFile(path);
-  } catch (QvConvException*) {
-    throw;
-  } catch (const std::exception&) {
-    ThrowCode(codes::kCsvIoFailed);
-  }
+  });
 }
 
 }  // namespace quorvane::qvconv::io::csv

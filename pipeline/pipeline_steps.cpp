@@ -26,17 +26,11 @@ void MakeFolder(const std::u16string& path, ExistingFolder existing) {
 void DeliverTree(const std::u16string& tree, const QvConvRunConfig& config,
                  const std::u16string& copy_target) {
   if (config.OutputArchive()) {
-    try {
+    Guarded(codes::kPackFailed, [&] {
       PackFolderWhole(tree, config.OutputPath(), config.Compress());
-    } catch (const std::exception&) {
-      ThrowCode(codes::kPackFailed);
-    }
+    });
   } else {
-    try {
-      CopyTreeWhole(tree, copy_target);
-    } catch (const std::exception&) {
-      ThrowCode(codes::kCopyFailed);
-    }
+    Guarded(codes::kCopyFailed, [&] { CopyTreeWhole(tree, copy_target); });
   }
 }
 

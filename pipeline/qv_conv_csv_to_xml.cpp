@@ -72,11 +72,7 @@ void QvConvCsvToXml::Run() {
     MakeFolder(format, ExistingFolder::kFails);
     MakeFolder(temp, ExistingFolder::kFails);
 
-    try {
-      createReport();
-    } catch (const std::exception&) {
-      ThrowCode(codes::kReportNotBegun);
-    }
+    Guarded(codes::kReportNotBegun, [&] { createReport(); });
     display_region = config.DisplayRegion();
     setSource(config.InputPath());
     check_only = config.CheckOnly();
@@ -92,11 +88,7 @@ void QvConvCsvToXml::Run() {
     if (has_result) {
       if (!config.CheckPath().empty()) {
         run_log::Step("write the report", config.CheckPath());
-        try {
-          writeReport(config.CheckPath());
-        } catch (const std::exception&) {
-          ThrowCode(codes::kReportNotWritten);
-        }
+        Guarded(codes::kReportNotWritten, [&] { writeReport(config.CheckPath()); });
       }
       if (has_error) ThrowCode(codes::kErrorsFound);
     }
@@ -121,7 +113,8 @@ void QvConvCsvToXml::Run() {
 
 void QvConvCsvToXml::ConvertSchedule(Reader& reader, Writer& writer, const std::u16string& input,
                                      const std::u16string& format) {
-  try {
+  // Deliberate: a standard failure while the schedule is read or written ends the run with 0.
+  Guarded(codes::kFinishedDespiteFailure, [&] {
     const std::vector<std::u16string> schedules = FilesBeginningWith(input, u"Schedule");
     if (schedules.empty()) run_log::Cause("no schedule file in", input);
     if (schedules.size() > 1) run_log::Cause("more than one schedule file in", input);
@@ -135,14 +128,13 @@ void QvConvCsvToXml::ConvertSchedule(Reader& reader, Writer& writer, const std::
     const std::u16string target = format + u"/QvS.xml";
     if (!check_only) run_log::Step("write", target);
     if (!check_only) writer.outputSchedule(target, schedule);
-  } catch (const std::exception&) {
-    ThrowCode(codes::kFinished);
-  }
+  });
 }
 
 void QvConvCsvToXml::ConvertTimeTables(Reader& reader, Writer& writer, const std::u16string& input,
                                        const std::u16string& format) {
-  try {
+  // Deliberate: a standard failure in a time table ends the run with 0.
+  Guarded(codes::kFinishedDespiteFailure, [&] {
     const std::vector<std::u16string> names = reader.index().timetableFiles();
     MakeFolder(format + u"/QvT", ExistingFolder::kFails);
     for (const std::u16string& name : names) {
@@ -163,9 +155,7 @@ void QvConvCsvToXml::ConvertTimeTables(Reader& reader, Writer& writer, const std
       if (!check_only) run_log::Step("write", target);
       if (!check_only) writer.outputTimeTable(target, *table);
     }
-  } catch (const std::exception&) {
-    ThrowCode(codes::kFinished);
-  }
+  });
 }
 
 void QvConvCsvToXml::CheckInterrupts(const std::u16string& input) {
@@ -180,7 +170,8 @@ void QvConvCsvToXml::CheckInterrupts(const std::u16string& input) {
 
 void QvConvCsvToXml::ConvertPrograms(Reader& reader, Writer& writer, const std::u16string& input,
                                      const std::u16string& format) {
-  try {
+  // Deliberate: a standard failure in a program, playlist or contents file ends the run with 0.
+  Guarded(codes::kFinishedDespiteFailure, [&] {
     const std::vector<std::u16string> folders = reader.index().programFolders();
     MakeFolder(format + u"/QvP", ExistingFolder::kFails);
     for (const std::u16string& f : folders) {
@@ -214,11 +205,9 @@ void QvConvCsvToXml::ConvertPrograms(Reader& reader, Writer& writer, const std::
           run_log::Step("check", contents_path);
           checkFile(checker::ChContentsInfo, contents_path);
           run_log::Step("read", contents_path);
-          try {
+          Guarded(codes::kProjectFileBad, [&] {
             reader.readContents(contents_path, playlist, entry);
-          } catch (const std::exception&) {
-            ThrowCode(codes::kProjectFileBad);
-          }
+          });
           ++next_item;
         }
         if (!check_only) {
@@ -228,16 +217,14 @@ void QvConvCsvToXml::ConvertPrograms(Reader& reader, Writer& writer, const std::
         }
       }
     }
-  } catch (const std::exception&) {
-    ThrowCode(codes::kFinished);
-  }
+  });
 }
 
 void QvConvCsvToXml::CopyContents(Reader& reader, const std::u16string& input,
                                   const std::u16string& format, const std::u16string& /*temp*/) {
   if (check_only) return;
   MakeFolder(format + u"/QvC", ExistingFolder::kFails);
-  try {
+  Guarded(codes::kCopyFailed, [&] {
     for (const io::csv::QvFCsvContentFile& file : reader.index().content_files) {
       // A path relative to a program folder becomes relative to the project
       // folder, keeping its leading separator.  One that climbs out of the
@@ -262,9 +249,7 @@ void QvConvCsvToXml::CopyContents(Reader& reader, const std::u16string& input,
         CopyTree(src, dst);
       }
     }
-  } catch (const std::exception&) {
-    ThrowCode(codes::kCopyFailed);
-  }
+  });
 }
 
 int QvConvCsvToXml::PaneOfPlaylist(const std::u16string& path) {

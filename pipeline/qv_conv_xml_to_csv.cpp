@@ -25,12 +25,11 @@ using qvformat::format::io::xml::QvFReadXml;
 }  // namespace
 
 void QvConvXmlToCsv::Run() {
-  try {
+  // Deliberate: a standard failure anywhere in the way back ends the run with 0.
+  Guarded(codes::kFinishedDespiteFailure, [&] {
     std::u16string work;
     Convert(work);
-  } catch (const std::exception&) {
-    ThrowCode(codes::kFinished);
-  }
+  });
 }
 
 void QvConvXmlToCsv::Convert(std::u16string& work) {
@@ -118,11 +117,7 @@ void QvConvXmlToCsv::Convert(std::u16string& work) {
     }
     const std::u16string to = out + u"/" + QvFWriteCsv::contentsFolderName() + u"/" + name;
     run_log::Step("copy", from, to);
-    try {
-      CopyTree(from, to);
-    } catch (const std::exception&) {
-      ThrowCode(codes::kCopyFailed);
-    }
+    Guarded(codes::kCopyFailed, [&] { CopyTree(from, to); });
   }
 
   DeliverTree(out, config, config.OutputPath());

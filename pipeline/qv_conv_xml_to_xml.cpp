@@ -42,11 +42,7 @@ std::u16string ContentFileName(const fmt::QvFContent& item) {
 }  // namespace
 
 void QvConvXmlToXml::Run() {
-  try {
-    Rewrite();
-  } catch (const std::exception&) {
-    ThrowCode(codes::kUnknownFailure);
-  }
+  Guarded(codes::kUnknownFailure, [&] { Rewrite(); });
 }
 
 void QvConvXmlToXml::Rewrite() {
@@ -122,11 +118,7 @@ void QvConvXmlToXml::Rewrite() {
       continue;
     }
     run_log::Step("copy", from, format + u"/QvC/" + name);
-    try {
-      CopyTree(from, format + u"/QvC/" + name);
-    } catch (const std::exception&) {
-      ThrowCode(codes::kCopyFailed);
-    }
+    Guarded(codes::kCopyFailed, [&] { CopyTree(from, format + u"/QvC/" + name); });
   }
 
   DeliverTree(format, config, config.OutputPath() + u"QvFormat");

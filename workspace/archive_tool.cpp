@@ -51,15 +51,13 @@ void RequireReady(platform::FixedName status) {
 int PackFolder(const std::u16string& folder, const std::u16string& archive, bool compress) {
   bool started = false;
   int status = -1;
-  try {
+  Guarded(codes::kPackFailed, [&] {
     std::vector<std::u16string> arguments = {u"a", u"-r", u"-tzip", AsOperand(archive),
                                              AsOperand(folder)};
     // The compressed form is the same zip package at the highest level.
     if (compress) arguments.push_back(u"-mx=9");
     started = RunTool(std::move(arguments), &status);
-  } catch (const std::exception&) {
-    ThrowCode(codes::kPackFailed);
-  }
+  });
   if (!started) ThrowCode(codes::kPackFailed);
   return status;
 }
@@ -67,7 +65,7 @@ int PackFolder(const std::u16string& folder, const std::u16string& archive, bool
 void UnpackArchive(const std::u16string& archive, const std::u16string& folder) {
   bool started = false;
   int status = -1;
-  try {
+  Guarded(codes::kUnpackFailed, [&] {
     // The destination is emptied first, whatever the extraction then does.
     const std::u16string destination = folder.empty() ? folder : platform::PathAsFound(folder);
     if (!destination.empty()) DeleteTree(destination);
@@ -75,9 +73,7 @@ void UnpackArchive(const std::u16string& archive, const std::u16string& folder) 
     started = RunTool({u"x", AsOperand(archive), u"-o" + destination}, &status);
     // What the tool could not settle is settled here, as far as it goes.
     if (started) platform::FixExtractedNames(destination);
-  } catch (const std::exception&) {
-    ThrowCode(codes::kUnpackFailed);
-  }
+  });
   if (!started) ThrowCode(codes::kUnpackFailed);
   if (status != 0) {
     run_log::Loss("the archive", archive,
@@ -91,13 +87,11 @@ void UnpackArchive(const std::u16string& archive, platform::PrivateFolder& folde
   if (!folder.Empty()) ThrowCode(codes::kCannotCreate);
   bool started = false;
   int status = -1;
-  try {
+  Guarded(codes::kUnpackFailed, [&] {
     run_log::Step("extract", archive, folder.ChildPath());
     started = RunTool({u"x", AsOperand(archive), u"-o" + folder.ChildPath()}, &status);
     if (started) folder.FixExtractedNames();
-  } catch (const std::exception&) {
-    ThrowCode(codes::kUnpackFailed);
-  }
+  });
   if (!started) ThrowCode(codes::kUnpackFailed);
   if (status != 0) {
     run_log::Loss("the archive", archive,

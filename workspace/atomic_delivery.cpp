@@ -102,7 +102,7 @@ void PackFolderWhole(const std::u16string& folder, const std::u16string& archive
 }
 
 void CopyTreeWhole(const std::u16string& source, const std::u16string& destination) {
-  try {
+  Guarded(codes::kCopyFailed, [&] {
     if (!platform::PathExists(source)) return;
     // Whatever can be listed is a folder (the top one may be a link to one);
     // anything else is copied as one file.
@@ -113,9 +113,7 @@ void CopyTreeWhole(const std::u16string& source, const std::u16string& destinati
       return;
     }
     CopyEntries(source, destination, entries);
-  } catch (const std::exception&) {
-    ThrowCode(codes::kCopyFailed);
-  }
+  });
 }
 
 }  // namespace quorvane::qvconv::converter

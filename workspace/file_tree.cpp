@@ -37,7 +37,7 @@ void CopyEntries(const std::u16string& source, const std::u16string& destination
 bool DeleteTree(const std::u16string& path) { return platform::RemoveTree(path); }
 
 void CopyTree(const std::u16string& source, const std::u16string& destination) {
-  try {
+  Guarded(codes::kCopyFailed, [&] {
     if (!platform::PathExists(source)) return;
     // Whatever can be listed is a folder (the top one may be a link to one);
     // anything else is copied as one file.
@@ -47,9 +47,7 @@ void CopyTree(const std::u16string& source, const std::u16string& destination) {
       return;
     }
     CopyEntries(source, destination, entries);
-  } catch (const std::exception&) {
-    ThrowCode(codes::kCopyFailed);
-  }
+  });
 }
 
 std::vector<std::u16string> ListFiles(const std::u16string& folder) {

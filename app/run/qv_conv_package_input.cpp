@@ -25,14 +25,12 @@ QvConvPackageInput::~QvConvPackageInput() = default;
 
 bool QvConvPackageInput::IsXmlPackage() {
   if (probed_) return answer_;
-  try {
+  Guarded(codes::kUnpackFailed, [&] {
     answer_ = false;
     // The probe folder is emptied before and removed after the test.
     answer_ = ProbeArchive(config_.InputPath());
     probed_ = true;
-  } catch (const std::exception&) {
-    ThrowCode(codes::kUnpackFailed);
-  }
+  });
   return answer_;
 }
 
@@ -71,7 +69,7 @@ void QvConvPackageInput::MakeUnpackFolders() {
 }
 
 void QvConvPackageInput::ExtractInput() {
-  try {
+  Guarded(codes::kUnpackFailed, [&] {
     if (answer_) {
       UnpackArchive(config_.InputPath(), *unzip_);
       return;
@@ -79,9 +77,7 @@ void QvConvPackageInput::ExtractInput() {
     const std::u16string destination = config_.OutputPath();
     if (destination.empty()) ThrowCode(codes::kBadCommandLine);
     UnpackArchive(config_.InputPath(), destination);
-  } catch (const std::exception&) {
-    ThrowCode(codes::kUnpackFailed);
-  }
+  });
 }
 
 void QvConvPackageInput::SwitchToPackage() {
