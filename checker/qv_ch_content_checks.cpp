@@ -30,6 +30,23 @@ constexpr std::size_t kPieceBytes = kConversionBuffer - 1;
 // line.
 constexpr std::size_t kMaxCountedLine = 1024;
 
+// The telop limits.  Fields of the parameter line, by index from 0.
+constexpr std::size_t kFontSizeField = 2;
+constexpr std::size_t kTelopModeField = 7;
+// The largest font size the player draws.
+constexpr double kMaxFontSize = 200;
+// Width of one character and height of one line, per unit of font size.
+constexpr double kCharacterWidth = 1.172;
+constexpr double kLineHeight = 1.55;
+// The margin that the layout modes 2, 4, 6, 8 and 10 add to a line:
+// font_size / kMarginDivisor + kMarginExtra.
+constexpr double kMarginDivisor = 3.875118;
+constexpr double kMarginExtra = 12.0;
+// The layout mode in which the number of lines is limited too.
+constexpr double kLineLimitMode = 3;
+// The longest line, and the tallest text, that the player can lay out.
+constexpr double kMaxExtent = 8192.0;
+
 // What the telop tests read of a telop file.
 struct TelopText {
   std::size_t lines = 0;              // lines read, the first two included
@@ -112,7 +129,8 @@ TelopText ReadTelop(const std::u16string& path) {
   TelopText telop;
   if (mark == 1) {
     // UTF-16 little-endian after its mark, lines ending in LF.
-    const std::u16string text = platform::Utf16FromUtf16Bytes(std::string_view(bytes).substr(2), false);
+    const std::u16string text =
+        platform::Utf16FromUtf16Bytes(std::string_view(bytes).substr(2), false);
     ForEachLine(text, u'\n', text.size(), [&](std::u16string line) {
       if (telop.lines == 0) {
         telop.lines = 1;  // line 1 is not read
@@ -188,24 +206,24 @@ std::u16string QvChRunner::telopPath(const std::u16string& cell) const {
 
 bool QvChRunner::telopExceedsLimits(const std::u16string& path) {
   const TelopText telop = ReadTelop(path);
-  const double font_size = FieldNumber(telop.parameters, 2);
-  if (font_size > 200) {
+  const double font_size = FieldNumber(telop.parameters, kFontSizeField);
+  if (font_size > kMaxFontSize) {
     table.current.id = u"CI2300";
     table.current.message_key = u"msg.CI2300";
     return true;
   }
-  const double mode = FieldNumber(telop.parameters, 7);
-  double length = font_size * 1.172 * static_cast<double>(telop.longest_line);
+  const double mode = FieldNumber(telop.parameters, kTelopModeField);
+  double length = font_size * kCharacterWidth * static_cast<double>(telop.longest_line);
   if (mode == 2 || mode == 4 || mode == 6 || mode == 8 || mode == 10) {
-    length = font_size * 1.172 * static_cast<double>(telop.longest_line) + font_size / 3.875118 + 12.0;
+    length = length + font_size / kMarginDivisor + kMarginExtra;  // in this order, as doubles
   }
-  if (length >= 8192.0) {
+  if (length >= kMaxExtent) {
     table.current.id = u"CI2301";
     table.current.message_key = u"msg.CI2301";
     return true;
   }
   const double text_lines = static_cast<double>(telop.lines) - 2;
-  if (mode == 3 && font_size * 1.55 * text_lines >= 8192.0) {
+  if (mode == kLineLimitMode && font_size * kLineHeight * text_lines >= kMaxExtent) {
     table.current.id = u"CI2302";
     table.current.message_key = u"msg.CI2302";
     return true;

@@ -5,6 +5,9 @@
 
 #include <ctime>
 #include <exception>
+#include <string>
+#include <string_view>
+#include <utility>
 
 #include "base/qv_conv_exception.h"
 #include "checker/qv_ch_text.h"
@@ -106,38 +109,45 @@ void QvChRunner::checkCell(const std::u16string& id, const QvChDataRow& data_row
     const std::u16string& kind = table.current.kind;
     if (kind.empty()) return;
     const std::u16string& cell = data_row.at(column);
-    if (kind == u"CHECK_DATE" || kind == u"CHECK_TIME") {
-      // Words of the dispatch that no row of the table uses.
-    } else if (kind == u"CHECK_OK_NUM") {
-      CHECK_OK_NUM(cell);
-    } else if (kind == u"CHECK_NG_NUM") {
-      CHECK_NG_NUM(cell);
-    } else if (kind == u"CHECK_EXIST_STR") {
-      CHECK_EXIST_STR(cell);
-    } else if (kind == u"CHECK_DISP_POSITION") {
-      CHECK_DISP_POSITION(cell);
-    } else if (kind == u"CHECK_DISP_SIZE") {
-      // The width row tests width and height together; the height row of the
-      // same frame has nothing left to do.
-      if (id == u"PG0501") {
-        const std::u16string height =
-            column + 1 < data_row.size() ? data_row[column + 1] : std::u16string();
-        CHECK_DISP_SIZE(cell, height, table);
+    // The check operations by the word of their row; a word of no operation
+    // checks nothing.
+    struct Cell {
+      const std::u16string& text;
+      const QvChDataRow& row;
+      std::size_t column;
+      const std::u16string& id;
+    };
+    using Operation = void (*)(QvChRunner&, const Cell&);
+    static const std::pair<std::u16string_view, Operation> kOperations[] = {
+        {u"CHECK_OK_NUM", [](QvChRunner& r, const Cell& c) { r.CHECK_OK_NUM(c.text); }},
+        {u"CHECK_NG_NUM", [](QvChRunner& r, const Cell& c) { r.CHECK_NG_NUM(c.text); }},
+        {u"CHECK_EXIST_STR", [](QvChRunner& r, const Cell& c) { r.CHECK_EXIST_STR(c.text); }},
+        {u"CHECK_DISP_POSITION",
+         [](QvChRunner& r, const Cell& c) { r.CHECK_DISP_POSITION(c.text); }},
+        {u"CHECK_DISP_SIZE",
+         [](QvChRunner& r, const Cell& c) {
+           // The width row tests width and height together; the height row
+           // of the same frame has nothing left to do.
+           if (c.id != u"PG0501") return;
+           const std::u16string height =
+               c.column + 1 < c.row.size() ? c.row[c.column + 1] : std::u16string();
+           r.CHECK_DISP_SIZE(c.text, height, r.table);
+         }},
+        {u"CHECK_SCHEDULE_DATE",
+         [](QvChRunner& r, const Cell& c) { r.CHECK_SCHEDULE_DATE(c.row); }},
+        {u"CHECK_TIMETABLE_TIME",
+         [](QvChRunner& r, const Cell& c) { r.CHECK_TIMETABLE_TIME(c.text); }},
+        {u"CHECK_PANE_NO", [](QvChRunner& r, const Cell& c) { r.CHECK_PANE_NO(c.row); }},
+        {u"CHECK_OK_EXT", [](QvChRunner& r, const Cell& c) { r.CHECK_OK_EXT(c.text); }},
+        {u"CHECK_NG_EXT", [](QvChRunner& r, const Cell& c) { r.CHECK_NG_EXT(c.text); }},
+        {u"CHECK_EFFECT_KIND", [](QvChRunner& r, const Cell& c) { r.CHECK_EFFECT_KIND(c.text); }},
+        {u"CHECK_COLOR", [](QvChRunner& r, const Cell& c) { r.CHECK_COLOR(c.text); }},
+    };
+    for (const auto& [word, operation] : kOperations) {
+      if (word == kind) {
+        operation(*this, Cell{cell, data_row, column, id});
+        break;
       }
-    } else if (kind == u"CHECK_SCHEDULE_DATE") {
-      CHECK_SCHEDULE_DATE(data_row);
-    } else if (kind == u"CHECK_TIMETABLE_TIME") {
-      CHECK_TIMETABLE_TIME(cell);
-    } else if (kind == u"CHECK_PANE_NO") {
-      CHECK_PANE_NO(data_row);
-    } else if (kind == u"CHECK_OK_EXT") {
-      CHECK_OK_EXT(cell);
-    } else if (kind == u"CHECK_NG_EXT") {
-      CHECK_NG_EXT(cell);
-    } else if (kind == u"CHECK_EFFECT_KIND") {
-      CHECK_EFFECT_KIND(cell);
-    } else if (kind == u"CHECK_COLOR") {
-      CHECK_COLOR(cell);
     }
   } catch (const std::exception&) {
     throw QvConvException(converter::codes::kCheckFailed);
