@@ -188,7 +188,7 @@ void QvChRunner::CHECK_SCHEDULE_DATE(const QvChDataRow& data_row) {
     // An empty date is read as today's date, as the schedule reader takes it.
     // A date that the form cannot read is bad data of the file.
     const std::u16string& cell = data_row.at(0);
-    std::tm today = checker.localNow();
+    std::tm today = platform::LocalNow();
     today.tm_hour = today.tm_min = today.tm_sec = 0;
     today.tm_isdst = 0;
     std::tm date = today;
@@ -240,7 +240,7 @@ void QvChRunner::CHECK_TIMETABLE_TIME(const std::u16string& cell) {
     if (read > 0) moment.tm_hour = numbers[0];
     if (read > 1) moment.tm_min = numbers[1];
     if (read > 2) moment.tm_sec = numbers[2];
-    std::tm now = checker.localNow();
+    std::tm now = platform::LocalNow();
     const long long difference =
         static_cast<long long>(std::difftime(std::mktime(&moment), std::mktime(&now)));
     if (difference < 0) reportRow();

@@ -5,7 +5,6 @@
 #include "base/qv_conv_exception.h"
 #include "checker/qv_ch_message.h"
 #include "checker/qv_ch_runner.h"
-#include "platform/system_info.h"
 
 namespace quorvane::qvconv::checker {
 
@@ -78,11 +77,6 @@ void QvChecker::writeReport(const std::u16string& path) {
   // A file that cannot be made or written is the XML library's own failure,
   // no standard exception: it passes on and ends the run as unknown (-999).
   converter::Guarded(converter::codes::kReportNotWritten, [&] { report->serialize(path, true); });
-}
-
-std::tm QvChecker::localNow() {
-  clock = platform::LocalNow();
-  return clock;
 }
 
 std::u16string QvChecker::kindName(QvChFileKind kind) {

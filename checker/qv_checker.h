@@ -19,7 +19,6 @@
 #ifndef QV_CHECKER_QV_CHECKER_H_
 #define QV_CHECKER_QV_CHECKER_H_
 
-#include <ctime>
 #include <memory>
 #include <string>
 
@@ -67,9 +66,6 @@ class QvChecker {
   // QvConvException pointer -502; a QvConvException pointer passes.
   void writeReport(const std::u16string& path);
 
-  // Reads the local time into `clock` and returns it.
-  std::tm localNow();
-
   // "schedule", "timetable", "interrupt", "program", "playlist",
   // "contentsinfo", "contents"; empty text for any other value.
   static std::u16string kindName(QvChFileKind kind);
@@ -81,10 +77,8 @@ class QvChecker {
   bool has_result = false;  // a Result was added; never cleared
   bool has_error = false;   // a Result of kind "E" was added; never cleared
   converter::QvConvDisplayRegion display_region;  // the target's display limits
-  std::tm clock{};                                  // the local time last read
   std::u16string today_timetable;  // time table of the schedule entry for today
   int pane_override = -1;          // pane number that goes before the row's own
-  std::u16string message_class = u"quorvane.qvconv.checker.QvChMessage";
   bool check_only = false;  // the run writes no conversion result
 };
 

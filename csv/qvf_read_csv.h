@@ -30,7 +30,7 @@ namespace quorvane::qvconv::io::csv {
 
 namespace fmt = quorvane::qvformat::format;
 
-class QvFReadCsv : public fmt::io::QvFReader {
+class QvFReadCsv final : public fmt::io::QvFReader {
  public:
   QvFReadCsv() = default;
   QvFReadCsv(const QvFReadCsv&) = delete;

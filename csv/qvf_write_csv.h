@@ -29,7 +29,7 @@ namespace quorvane::qvconv::io::csv {
 
 namespace fmt = quorvane::qvformat::format;
 
-class QvFWriteCsv : public fmt::io::QvFWriter {
+class QvFWriteCsv final : public fmt::io::QvFWriter {
  public:
   // The stamp is the local time now, "%04d%02d%02d_%02d%02d%02d".
   QvFWriteCsv();

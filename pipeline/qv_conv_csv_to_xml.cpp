@@ -68,9 +68,7 @@ void QvConvCsvToXml::Run() {
     if (work.empty()) ThrowCode(codes::kCannotCreate);
     run_log::Step("work in", work);
     const std::u16string format = work + u"/QvFormat";
-    const std::u16string temp = work + u"/Temp";
     MakeFolder(format, ExistingFolder::kFails);
-    MakeFolder(temp, ExistingFolder::kFails);
 
     Guarded(codes::kReportNotBegun, [&] { createReport(); });
     display_region = config.DisplayRegion();
@@ -82,7 +80,7 @@ void QvConvCsvToXml::Run() {
     ConvertTimeTables(*reader, *writer, input, format);
     CheckInterrupts(input);
     ConvertPrograms(*reader, *writer, input, format);
-    CopyContents(*reader, input, format, temp);
+    CopyContents(*reader, input, format);
 
     // The findings decide about the output here, and only here.
     if (has_result) {
@@ -221,7 +219,7 @@ void QvConvCsvToXml::ConvertPrograms(Reader& reader, Writer& writer, const std::
 }
 
 void QvConvCsvToXml::CopyContents(Reader& reader, const std::u16string& input,
-                                  const std::u16string& format, const std::u16string& /*temp*/) {
+                                  const std::u16string& format) {
   if (check_only) return;
   MakeFolder(format + u"/QvC", ExistingFolder::kFails);
   Guarded(codes::kCopyFailed, [&] {

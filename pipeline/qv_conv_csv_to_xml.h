@@ -48,8 +48,7 @@ class QvConvCsvToXml : public checker::QvChecker {
   void CheckInterrupts(const std::u16string& input);
   void ConvertPrograms(Reader& reader, Writer& writer, const std::u16string& input,
                        const std::u16string& format);
-  void CopyContents(Reader& reader, const std::u16string& input, const std::u16string& format,
-                    const std::u16string& temp);
+  void CopyContents(Reader& reader, const std::u16string& input, const std::u16string& format);
 
   // The pane number of a playlist file: its index in "playlist_0.csv" to
   // "playlist_8.csv", or -1.

@@ -17,9 +17,10 @@ namespace quorvane::qvconv::converter {
 std::string TelopAsUtf8(std::string_view bytes, int byte_order_mark);
 
 // Copies the telop file `source` to `destination` as UTF-8.  Throws
-// std::runtime_error when the source cannot be opened for its mark, or when
-// the copy was begun and could not be written completely; a source that
-// cannot be read or a target that cannot be made is passed over.
+// std::runtime_error when the source cannot be opened for its mark.  A source
+// that cannot be read or a target that cannot be made is passed over (the
+// run's log tells of it), and a write that fails (a full disk) is not looked
+// at: the copy may then be short.
 void CopyTelopAsText(const std::u16string& source, const std::u16string& destination);
 
 }  // namespace quorvane::qvconv::converter

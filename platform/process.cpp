@@ -57,7 +57,7 @@ ProcessResult RunProcess(const std::vector<std::u16string>& argv) {
   for (const auto& a : argv) {
     std::string arg = NativePath(a);
     const std::size_t slash = arg.find('/');
-    if (arg.size() >= 3800 && slash != std::string::npos) {
+    if (arg.size() >= kLongPath && slash != std::string::npos) {
       const std::size_t path_start = arg[0] == '-' ? slash : 0;
       long_paths.emplace_back(arg.substr(path_start));
       arg = arg.substr(0, path_start) + long_paths.back().str();

@@ -10,12 +10,6 @@
 #include "platform/win32_path.h"
 
 namespace quorvane::platform {
-namespace {
-
-// Paths below this length go to the system as they are.
-constexpr std::size_t kLongPath = PATH_MAX - 256;
-
-}  // namespace
 
 SystemPath::SystemPath(std::u16string_view path) {
   Win32Path clean = CleanWin32Path(path);

@@ -16,10 +16,16 @@
 #ifndef QV_PLATFORM_SYSTEM_PATH_H_
 #define QV_PLATFORM_SYSTEM_PATH_H_
 
+#include <climits>
+#include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace quorvane::platform {
+
+// Paths shorter than this many bytes go to the system as they are; longer
+// ones are handed over in their short form.
+inline constexpr std::size_t kLongPath = PATH_MAX - 256;
 
 class SystemPath {
  public:

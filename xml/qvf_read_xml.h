@@ -25,7 +25,7 @@
 
 namespace quorvane::qvformat::format::io::xml {
 
-class QvFReadXml : public QvFReader {
+class QvFReadXml final : public QvFReader {
  public:
   // Reads with `tags` and owns it.  A null table means the compact one.
   explicit QvFReadXml(std::unique_ptr<QvFTagTable> tags);

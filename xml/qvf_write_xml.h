@@ -25,7 +25,7 @@
 
 namespace quorvane::qvformat::format::io::xml {
 
-class QvFWriteXml : public QvFWriter {
+class QvFWriteXml final : public QvFWriter {
  public:
   // Writes with `tags` and owns it; `compact` decides the layout.  A null
   // table means the compact one.
