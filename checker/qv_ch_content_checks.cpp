@@ -11,6 +11,7 @@
 #include "checker/qv_ch_runner.h"
 #include "checker/qv_ch_text.h"
 #include "checker/qv_checker.h"
+#include "model/qvf_text.h"
 #include "platform/file_system.h"
 #include "platform/text_codec.h"
 #include "workspace/project_path.h"
@@ -236,7 +237,7 @@ void QvChRunner::reportExtension(const std::u16string& extension) {
   if (text.empty()) {
     text = QvChMessage::getMessage(u"msg.CH0000");
   } else {
-    text = ReplaceAll(text, u"$str$", u"." + extension);
+    text = qvformat::format::ReplaceAll(text, u"$str$", u"." + extension);
   }
   if (table.current.id == u"CI0100") extension_reported = true;
   checker.addResultText(table.current.id, table.current.is_error, table.current_pane,
@@ -302,7 +303,7 @@ void QvChRunner::CHECK_EFFECT_KIND(const std::u16string& cell) {
     for (int b = 0; b < 4 && match; ++b) {
       const std::u16string& pattern = effect.byte_pattern[b];
       if (pattern.empty()) continue;
-      const auto wanted = static_cast<std::uint32_t>(ParseHex(ReplaceAll(pattern, u"0x", u"")));
+      const auto wanted = static_cast<std::uint32_t>(ParseHex(qvformat::format::ReplaceAll(pattern, u"0x", u"")));
       match = wanted == (code & kByteMask[b]);
     }
     if (match) {

@@ -3,18 +3,13 @@
 #include <cstdint>
 
 #include "model/qvf_number_scan.h"
+#include "model/qvf_text.h"
 
 namespace quorvane::qvconv::checker {
-namespace {
-
-bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
-
-}  // namespace
-
 bool IsDigits(std::u16string_view text, bool allow_minus) {
   if (text.empty()) return false;
   for (std::size_t i = 0; i < text.size(); ++i) {
-    if (IsDigit(text[i])) continue;
+    if (qvformat::format::IsAsciiDigit(text[i])) continue;
     if (allow_minus && i == 0 && text[i] == u'-') continue;
     return false;
   }
@@ -24,11 +19,7 @@ bool IsDigits(std::u16string_view text, bool allow_minus) {
 bool EqualsIgnoreCase(std::u16string_view a, std::u16string_view b) {
   if (a.size() != b.size()) return false;
   for (std::size_t i = 0; i < a.size(); ++i) {
-    char16_t x = a[i];
-    char16_t y = b[i];
-    if (x >= u'A' && x <= u'Z') x = static_cast<char16_t>(x - u'A' + u'a');
-    if (y >= u'A' && y <= u'Z') y = static_cast<char16_t>(y - u'A' + u'a');
-    if (x != y) return false;
+    if (qvformat::format::AsciiLower(a[i]) != qvformat::format::AsciiLower(b[i])) return false;
   }
   return true;
 }
@@ -60,14 +51,5 @@ std::size_t CountUtf8Characters(std::string_view text) {
   return count;
 }
 
-std::u16string ReplaceAll(std::u16string text, std::u16string_view from, std::u16string_view to) {
-  if (from.empty()) return text;
-  std::size_t pos = 0;
-  while ((pos = text.find(from, pos)) != std::u16string::npos) {
-    text.replace(pos, from.size(), to);
-    pos += to.size();
-  }
-  return text;
-}
 
 }  // namespace quorvane::qvconv::checker

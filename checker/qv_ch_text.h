@@ -31,10 +31,6 @@ std::int32_t ParseLong(std::u16string_view text);
 // text counts as one.  Ends on any input.
 std::size_t CountUtf8Characters(std::string_view text);
 
-// Every `from` replaced by `to`, left to right, going on behind the inserted
-// text.
-std::u16string ReplaceAll(std::u16string text, std::u16string_view from, std::u16string_view to);
-
 }  // namespace quorvane::qvconv::checker
 
 #endif  // QV_CHECKER_QV_CH_TEXT_H_

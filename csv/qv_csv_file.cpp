@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/qv_conv_exception.h"
+#include "model/qvf_text.h"
 #include "platform/file_system.h"
 #include "workspace/run_log.h"
 #include "workspace/text_conversion.h"
@@ -16,18 +17,9 @@ namespace {
 
 using converter::QvConvException;
 using converter::Guarded;
+using qvformat::format::ReplaceAll;
 using converter::ThrowCode;
 namespace codes = converter::codes;
-
-// Replaces every `from` by `to`, left to right, going on behind each
-// inserted text.
-void ReplaceAll(std::u16string& text, std::u16string_view from, std::u16string_view to) {
-  std::size_t pos = 0;
-  while ((pos = text.find(from, pos)) != std::u16string::npos) {
-    text.replace(pos, from.size(), to);
-    pos += to.size();
-  }
-}
 
 // Splits one decoded line into its fields and unescapes them.  A backslash
 // flips the escape state; an escaped comma belongs to the field, an escaped
@@ -54,15 +46,15 @@ QvCsvFile::Row SplitLine(const std::u16string& line) {
   }
   row.push_back(line.substr(start));
   for (std::u16string& field : row) {
-    ReplaceAll(field, u"\\,", u",");
-    ReplaceAll(field, u"\\\\", u"\\");
+    field = ReplaceAll(std::move(field), u"\\,", u",");
+    field = ReplaceAll(std::move(field), u"\\\\", u"\\");
   }
   return row;
 }
 
 std::u16string EscapeField(std::u16string field) {
-  ReplaceAll(field, u"\\", u"\\\\");
-  ReplaceAll(field, u",", u"\\,");
+  field = ReplaceAll(std::move(field), u"\\", u"\\\\");
+  field = ReplaceAll(std::move(field), u",", u"\\,");
   return field;
 }
 

@@ -10,6 +10,7 @@
 
 #include "base/qv_conv_exception.h"
 #include "csv/qvf_read_csv.h"
+#include "model/qvf_text.h"
 #include "model/qvf_text_forms.h"
 #include "workspace/project_path.h"
 
@@ -82,9 +83,7 @@ std::u16string ComparisonPath(const std::u16string& path) {
   const std::size_t dot = path.rfind(u'.');
   if (dot == std::u16string::npos) throw std::out_of_range("content path without an extension");
   std::u16string out = path;
-  for (std::size_t i = dot; i < out.size(); ++i) {
-    if (out[i] >= u'A' && out[i] <= u'Z') out[i] = static_cast<char16_t>(out[i] - u'A' + u'a');
-  }
+  for (std::size_t i = dot; i < out.size(); ++i) out[i] = fmt::AsciiLower(out[i]);
   return out;
 }
 

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "base/qv_conv_exception.h"
+#include "model/qvf_text.h"
 #include "model/qvf_text_forms.h"
 #include "platform/system_info.h"
 
@@ -22,24 +23,18 @@ namespace codes = converter::codes;
 // The colour text of line 2 of a time table; nothing reads it.
 constexpr char16_t kTimeTableColor[] = u"0xD4F0FF";
 
-std::u16string Widen(const char* ascii) {
-  std::u16string text;
-  for (; *ascii != '\0'; ++ascii) text += static_cast<char16_t>(static_cast<unsigned char>(*ascii));
-  return text;
-}
-
 // "%03d".
 std::u16string ThreeDigits(long long number) {
   char buffer[32];
   std::snprintf(buffer, sizeof buffer, "%03lld", number);
-  return Widen(buffer);
+  return fmt::Widen(buffer);
 }
 
 std::u16string StampOf(const std::tm& now) {
   char buffer[96];
   std::snprintf(buffer, sizeof buffer, "%04d%02d%02d_%02d%02d%02d", now.tm_year + 1900, now.tm_mon + 1,
                 now.tm_mday, now.tm_hour, now.tm_min, now.tm_sec);
-  return Widen(buffer);
+  return fmt::Widen(buffer);
 }
 
 // The name stored for `id`, or a new one: `prefix` + stamp + "_%03d" of the

@@ -6,14 +6,11 @@
 #include <stdexcept>
 
 #include "model/qvf_number_scan.h"
+#include "model/qvf_text.h"
 
 namespace quorvane::qvformat::format {
 
 namespace {
-
-std::u16string Widen(const std::string& ascii) {
-  return std::u16string(ascii.begin(), ascii.end());
-}
 
 // printf "%0<width>d": the sign first, then zeros up to the width.
 std::u16string PaddedDecimal(std::int64_t value, std::size_t width) {
@@ -149,11 +146,7 @@ std::optional<bool> ParseBoolValue(std::u16string_view text) {
 
 void ParseDefaultFlag(std::u16string_view text, bool& value) {
   if (text.empty()) return;
-  std::u16string folded(text);
-  for (char16_t& c : folded) {
-    if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c - u'A' + u'a');
-  }
-  value = folded == u"true";
+  value = AsciiLower(std::u16string(text)) == u"true";
 }
 
 }  // namespace quorvane::qvformat::format

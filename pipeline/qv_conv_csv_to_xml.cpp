@@ -6,6 +6,7 @@
 
 #include "base/qv_conv_exception.h"
 #include "csv/qvf_read_csv.h"
+#include "model/qvf_text.h"
 #include "platform/file_system.h"
 #include "pipeline/pipeline_steps.h"
 #include "pipeline/telop_copy.h"
@@ -44,10 +45,7 @@ std::vector<std::u16string> FilesBeginningWith(const std::u16string& folder, std
 std::u16string PackageExtension(const std::u16string& path) {
   const auto dot = path.rfind(u'.');
   if (dot == std::u16string::npos) return {};
-  std::u16string ext = path.substr(dot);
-  for (char16_t& c : ext) {
-    if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c - u'A' + u'a');
-  }
+  std::u16string ext = qvformat::format::AsciiLower(path.substr(dot));
   if (ext == u".jpeg") ext = u".jpg";
   return ext;
 }

@@ -6,6 +6,7 @@
 
 #include "app/run/parameter_file.h"
 #include "base/qv_conv_exception.h"
+#include "model/qvf_text.h"
 #include "model/qvf_text_forms.h"
 #include "workspace/run_log.h"
 
@@ -21,10 +22,6 @@ constexpr char16_t kLog[] = u"-log";
 
 // The region of a 4K display, when the command line names none.
 constexpr char16_t kDefaultRegion[] = u"(0,0,3840,2160)";
-
-bool IsBlank(char16_t c) {
-  return c == u' ' || c == u'\t' || c == u'\n' || c == u'\r' || c == u'\v' || c == u'\f';
-}
 
 bool IsQuote(char16_t c) { return c == u'"' || c == u'\''; }
 
@@ -114,9 +111,9 @@ std::u16string OptionValue(std::u16string_view option, const std::u16string& arg
   // No value at all is the standard failure that the loop makes code -1.
   if (value.empty()) throw std::out_of_range("option without a value");
   if (IsQuote(value.back())) value.pop_back();
-  while (!value.empty() && IsBlank(value.back())) value.pop_back();
+  while (!value.empty() && qvformat::format::IsAsciiSpace(value.back())) value.pop_back();
   std::size_t first = 0;
-  while (first < value.size() && IsBlank(value[first])) ++first;
+  while (first < value.size() && qvformat::format::IsAsciiSpace(value[first])) ++first;
   return value.substr(first);
 }
 
