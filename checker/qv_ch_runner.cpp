@@ -14,6 +14,7 @@
 #include "checker/qv_checker.h"
 #include "csv/qv_csv_file.h"
 #include "model/qvf_number_scan.h"
+#include "model/qvf_text.h"
 #include "model/qvf_text_forms.h"
 #include "platform/system_info.h"
 #include "workspace/project_path.h"
@@ -206,7 +207,7 @@ void QvChRunner::CHECK_SCHEDULE_DATE(const QvChDataRow& data_row) {
       date.tm_isdst = 0;
     }
     const long long difference =
-        static_cast<long long>(std::difftime(std::mktime(&date), std::mktime(&today)));
+        static_cast<long long>(std::difftime(platform::MakeLocalTime(&date), platform::MakeLocalTime(&today)));
     if (difference < 0) {
       reportRow();
       return;
@@ -232,8 +233,7 @@ void QvChRunner::CHECK_TIMETABLE_TIME(const std::u16string& cell) {
     // minutes and seconds of the current time.
     std::tm moment = platform::LocalNow();
     const std::string bytes = converter::Cp932FromWide(cell).substr(0, 255);
-    std::u16string narrow;
-    for (const char b : bytes) narrow.push_back(static_cast<unsigned char>(b));
+    const std::u16string narrow = qvformat::format::Widen(bytes);
     static constexpr int kWidths[] = {2, 2, 2};  // "%02d:%02d:%02d" on 8-bit text
     int numbers[3] = {0, 0, 0};
     const int read = ScanDecimalFields(narrow, u':', kWidths, numbers, ScanUnits::kBytes);
@@ -242,7 +242,7 @@ void QvChRunner::CHECK_TIMETABLE_TIME(const std::u16string& cell) {
     if (read > 2) moment.tm_sec = numbers[2];
     std::tm now = platform::LocalNow();
     const long long difference =
-        static_cast<long long>(std::difftime(std::mktime(&moment), std::mktime(&now)));
+        static_cast<long long>(std::difftime(platform::MakeLocalTime(&moment), platform::MakeLocalTime(&now)));
     if (difference < 0) reportRow();
   } catch (const std::exception&) {
     reportBadCell(table, u"msg.TIME");

@@ -1,28 +1,11 @@
 // Identifier kinds and the clock that gives records their first time.
 #include "model/qvf_records.h"
 
-#include <ctime>
+#include "platform/system_info.h"
 
 namespace quorvane::qvformat::format {
 
-namespace {
-
-std::tm SystemLocalNow() {
-  std::tm now{};
-  std::time_t seconds = std::time(nullptr);
-  if (seconds == static_cast<std::time_t>(-1) || localtime_r(&seconds, &now) == nullptr) {
-    return std::tm{};
-  }
-  return now;
-}
-
-QvFClock g_clock = nullptr;
-
-}  // namespace
-
-std::tm QvFLocalNow() { return g_clock ? g_clock() : SystemLocalNow(); }
-
-void SetQvFClock(QvFClock clock) { g_clock = clock; }
+std::tm QvFLocalNow() { return platform::LocalNow(); }
 
 void QvFId::assign(std::u16string_view identifier) {
   text.assign(identifier);

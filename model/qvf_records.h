@@ -29,12 +29,10 @@
 
 namespace quorvane::qvformat::format {
 
-// The local time now, broken down.  Every time field of a record starts with
-// it.  The clock can be replaced (tests fix the time with it); a null
-// function restores the system clock.
-using QvFClock = std::tm (*)();
+// The local time now, broken down, from the clock of the current Env
+// (platform/env.h; tests fix the time there).  Every time field of a record
+// starts with it.
 std::tm QvFLocalNow();
-void SetQvFClock(QvFClock clock);
 
 // The kind of an identifier, read from the prefix of its text.
 enum QvFIdKind : std::int32_t {

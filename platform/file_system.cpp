@@ -11,6 +11,7 @@
 
 #include "platform/case_lookup.h"
 #include "platform/ntfs_names.h"
+#include "platform/system_calls.h"
 #include "platform/system_path.h"
 #include "platform/text_codec.h"
 
@@ -175,7 +176,7 @@ std::u16string PathAsFound(std::u16string_view path) {
   return PathFromNative(found.empty() ? native.native() : found);
 }
 
-MakeDirResult MakeDirectory(std::u16string_view path) {
+MakeDirResult system::MakeDirectory(std::u16string_view path) {
   if (OnNew(path, true, [](const SystemPath& p) { return ::mkdir(p.c_str(), 0777) == 0; })) {
     return MakeDirResult::kCreated;
   }
@@ -197,7 +198,7 @@ bool IsRegularFile(std::u16string_view path) {
   return Lstat(path, &st) && S_ISREG(st.st_mode);
 }
 
-bool ListDirectory(std::u16string_view path, std::vector<DirEntry>* entries) {
+bool system::ListDirectory(std::u16string_view path, std::vector<DirEntry>* entries) {
   entries->clear();
   DIR* dir = nullptr;
   OnExisting(path, [&](const SystemPath& p) {
@@ -243,7 +244,7 @@ bool MakeWritable(std::u16string_view path) {
   });
 }
 
-bool RemoveFile(std::u16string_view path) {
+bool system::RemoveFile(std::u16string_view path) {
   return OnListed(path, [](const SystemPath& p) { return ::unlink(p.c_str()) == 0; });
 }
 
@@ -251,7 +252,7 @@ bool RemoveDirectory(std::u16string_view path) {
   return OnListed(path, [](const SystemPath& p) { return ::rmdir(p.c_str()) == 0; });
 }
 
-bool CopyFile(std::u16string_view source, std::u16string_view destination) {
+bool system::CopyFile(std::u16string_view source, std::u16string_view destination) {
   const int in = OpenExistingForReading(source);
   if (in < 0) return false;
   struct stat st;
@@ -290,11 +291,11 @@ bool CopyFile(std::u16string_view source, std::u16string_view destination) {
   return ok;
 }
 
-bool ReadFile(std::u16string_view path, std::string* bytes) {
+bool system::ReadFile(std::u16string_view path, std::string* bytes) {
   return ReadFilePrefix(path, static_cast<std::size_t>(-1), bytes);
 }
 
-bool ReadFilePrefix(std::u16string_view path, std::size_t limit, std::string* bytes) {
+bool system::ReadFilePrefix(std::u16string_view path, std::size_t limit, std::string* bytes) {
   const int fd = OpenExistingForReading(path);
   if (fd < 0) return false;
   const bool ok = ReadUpTo(fd, limit, bytes);
@@ -302,7 +303,7 @@ bool ReadFilePrefix(std::u16string_view path, std::size_t limit, std::string* by
   return ok;
 }
 
-bool WriteFile(std::u16string_view path, std::string_view bytes) {
+bool system::WriteFile(std::u16string_view path, std::string_view bytes) {
   OutputFile file;
   if (!file.Open(path)) return false;
   file.Append(bytes);

@@ -9,6 +9,7 @@
 #include <cerrno>
 
 #include "platform/file_system.h"
+#include "platform/system_calls.h"
 #include "platform/system_path.h"
 
 extern char** environ;
@@ -46,7 +47,7 @@ namespace {
 
 int CurrentProcessId() { return static_cast<int>(::getpid()); }
 
-ProcessResult RunProcess(const std::vector<std::u16string>& argv) {
+ProcessResult system::RunProcess(const std::vector<std::u16string>& argv) {
   ProcessResult result;
   if (argv.empty()) return result;
   // A path too long for the system is passed in its short form; a switch

@@ -6,17 +6,18 @@
 #include <cstdlib>
 
 #include "platform/file_system.h"
+#include "platform/system_calls.h"
 
 namespace quorvane::platform {
 
-std::u16string TempDirectory() {
+std::u16string system::TempDirectory() {
   const char* tmp = std::getenv("TMPDIR");
   std::string dir = (tmp != nullptr && *tmp != '\0') ? tmp : "/tmp";
   if (dir.back() != '/') dir.push_back('/');
   return PathFromNative(dir);
 }
 
-std::tm LocalNow() {
+std::tm system::LocalNow() {
   std::time_t now = std::time(nullptr);
   std::tm result{};
   ::localtime_r(&now, &result);
@@ -31,7 +32,7 @@ std::u16string NewUuid() {
   return PathFromNative(text);
 }
 
-std::string MessageLocaleName() {
+std::string system::MessageLocaleName() {
   for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
     const char* value = std::getenv(name);
     if (value != nullptr && *value != '\0') return value;

@@ -1,5 +1,6 @@
 // What the program asks of its surroundings: the temporary folder, the local
-// time, a fresh UUID and the language of the user's messages.
+// time, a fresh UUID and the language of the user's messages.  The folder, the
+// clock and the locale come from the current Env (env.h).
 #ifndef QV_PLATFORM_SYSTEM_INFO_H_
 #define QV_PLATFORM_SYSTEM_INFO_H_
 
@@ -13,6 +14,10 @@ std::u16string TempDirectory();
 
 // The local time now, broken down.
 std::tm LocalNow();
+// A broken-down local time as seconds, as mktime takes it: `time` is
+// normalised and its week day and daylight flag are set; -1 when it cannot be
+// told.
+std::time_t MakeLocalTime(std::tm* time);
 
 // A fresh random UUID in its standard text form: 36 lower-case characters.
 std::u16string NewUuid();

@@ -3,6 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+
+#include "tests/support/fake_env.h"
+
 namespace quorvane::qvformat::format {
 namespace {
 
@@ -12,10 +16,10 @@ TEST(ModelRecords, DefaultsAndKinds) {
   EXPECT_FALSE(QvFSchedule().schedule_list.add.has_value());
   EXPECT_FALSE(QvFProgram().program_info.playlist_file.type.has_value());
   // Every time field starts at the clock.
-  SetQvFClock(&FixedNow);
+  std::optional<qvtest::FixedClock> clock(std::in_place, FixedNow());
   QvFScheduleEntry entry;
   QvFTableCommand command;
-  SetQvFClock(nullptr);
+  clock.reset();
   EXPECT_EQ(entry.date.tm_year, 99);
   EXPECT_EQ(command.start_time.tm_hour, 23);
   EXPECT_GE(QvFPlayTime().time.tm_year, 100);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "model/qvf_records.h"
+#include "tests/support/fake_env.h"
 #include "tests/support/test_support.h"
 #include "xml/qvf_read_xml.h"
 #include "xml/qvf_write_xml.h"
@@ -27,8 +28,7 @@ const Record& Item(const QvFPlaylist& playlist, size_t index) {
 
 class XmlProgramPlaylist : public testing::TestWithParam<bool> {
  protected:
-  void SetUp() override { SetQvFClock(&FixedNow); }
-  void TearDown() override { SetQvFClock(nullptr); }
+  qvtest::FixedClock clock_{FixedNow()};
 
   // Writes the record and reads it back; bytes_ gets what was written after the declaration. With `again`,
   // what was read must write the same bytes, but that an absent valid flag comes back as a present false.

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "model/qvf_records.h"
+#include "tests/support/fake_env.h"
 #include "tests/support/test_support.h"
 #include "xml/qvf_read_xml.h"
 #include "xml/qvf_write_xml.h"
@@ -22,8 +23,7 @@ std::tm FixedNow() {  // 2031/07/04 05:06:07
 
 class XmlScheduleTimeTable : public ::testing::TestWithParam<bool> {
  protected:
-  void SetUp() override { SetQvFClock(&FixedNow); }
-  void TearDown() override { SetQvFClock(nullptr); }
+  qvtest::FixedClock clock_{FixedNow()};
 
   // Writes, reads back and writes again: the same bytes (bytes_), but that an
   // absent valid or add flag comes back as a present false.

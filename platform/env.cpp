@@ -1,0 +1,85 @@
+#include "platform/env.h"
+
+#include "platform/system_calls.h"
+#include "platform/system_info.h"
+
+namespace quorvane::platform {
+namespace {
+
+class SystemEnv final : public Env {
+ public:
+  bool ReadFile(std::u16string_view path, std::string* bytes) override {
+    return system::ReadFile(path, bytes);
+  }
+  bool ReadFilePrefix(std::u16string_view path, std::size_t limit, std::string* bytes) override {
+    return system::ReadFilePrefix(path, limit, bytes);
+  }
+  bool WriteFile(std::u16string_view path, std::string_view bytes) override {
+    return system::WriteFile(path, bytes);
+  }
+  bool CopyFile(std::u16string_view source, std::u16string_view destination) override {
+    return system::CopyFile(source, destination);
+  }
+  MakeDirResult MakeDirectory(std::u16string_view path) override {
+    return system::MakeDirectory(path);
+  }
+  bool ListDirectory(std::u16string_view path, std::vector<DirEntry>* entries) override {
+    return system::ListDirectory(path, entries);
+  }
+  bool RemoveFile(std::u16string_view path) override { return system::RemoveFile(path); }
+  ProcessResult RunProcess(const std::vector<std::u16string>& argv) override {
+    return system::RunProcess(argv);
+  }
+  std::tm LocalNow() override { return system::LocalNow(); }
+  std::time_t MakeTime(std::tm* time) override { return std::mktime(time); }
+  std::u16string TempDirectory() override { return system::TempDirectory(); }
+  std::string MessageLocaleName() override { return system::MessageLocaleName(); }
+};
+
+Env* g_current = nullptr;
+
+}  // namespace
+
+Env* Env::Default() {
+  static SystemEnv* const kSystem = new SystemEnv;  // never deleted
+  return kSystem;
+}
+
+Env* Env::Current() { return g_current != nullptr ? g_current : Default(); }
+
+Env* Env::Install(Env* env) {
+  Env* const previous = Current();
+  g_current = env;
+  return previous;
+}
+
+// The free functions of the public headers, through the current Env.
+
+bool ReadFile(std::u16string_view path, std::string* bytes) {
+  return Env::Current()->ReadFile(path, bytes);
+}
+bool ReadFilePrefix(std::u16string_view path, std::size_t limit, std::string* bytes) {
+  return Env::Current()->ReadFilePrefix(path, limit, bytes);
+}
+bool WriteFile(std::u16string_view path, std::string_view bytes) {
+  return Env::Current()->WriteFile(path, bytes);
+}
+bool CopyFile(std::u16string_view source, std::u16string_view destination) {
+  return Env::Current()->CopyFile(source, destination);
+}
+MakeDirResult MakeDirectory(std::u16string_view path) {
+  return Env::Current()->MakeDirectory(path);
+}
+bool ListDirectory(std::u16string_view path, std::vector<DirEntry>* entries) {
+  return Env::Current()->ListDirectory(path, entries);
+}
+bool RemoveFile(std::u16string_view path) { return Env::Current()->RemoveFile(path); }
+ProcessResult RunProcess(const std::vector<std::u16string>& argv) {
+  return Env::Current()->RunProcess(argv);
+}
+std::tm LocalNow() { return Env::Current()->LocalNow(); }
+std::time_t MakeLocalTime(std::tm* time) { return Env::Current()->MakeTime(time); }
+std::u16string TempDirectory() { return Env::Current()->TempDirectory(); }
+std::string MessageLocaleName() { return Env::Current()->MessageLocaleName(); }
+
+}  // namespace quorvane::platform
