@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/checker/checker_harness.h"
+#include "tests/support/fake_env.h"
 
 namespace qvtest {
 namespace {
@@ -8,6 +9,7 @@ namespace {
 using checker::ChContentsInfo;
 using checker::ChProgram;
 using checker::ChSchedule;
+using checker::ChTimeTable;
 
 // A contents file: the content, then its 19 properties with `type`, colour and the frame move cells as given.
 std::vector<std::string> Contents(const std::string& content, const std::string& type,
@@ -42,19 +44,30 @@ TEST(CheckerWalk, UnreadableFilesFailAsCsv) {
   EXPECT_FALSE(h.checker.has_result);
 }
 
-// Today's time table is the last of today's entries, an empty date is today's, an unreadable one bad data.
+// The clock of the schedule and time table checks: 2030/06/15 12:00:00.
+constexpr char kToday[] = "2030/06/15";
+std::tm Noon() {
+  std::tm t{};
+  t.tm_year = 130, t.tm_mon = 5, t.tm_mday = 15, t.tm_hour = 12;
+  return t;
+}
+
+// Today's time table is the last of today's entries, an empty date is today's, an unreadable
+// one bad data.
 TEST(CheckerSchedule, TodaysTableAndUnreadableDates) {
+  FixedClock clock(Noon());
+  const std::string today = kToday;
   CheckerHarness h;
   const std::string file =
-      h.Csv("Schedule_1.csv", {"name", "false", DateFromToday(0) + ",TM_a.csv",
-                               DateFromToday(0) + ",TM_today.csv,true", "2024/5", "abc,TM_x.csv"});
+      h.Csv("Schedule_1.csv", {"name", "false", today + ",TM_a.csv", today + ",TM_today.csv,true",
+                               "2024/5", "abc,TM_x.csv"});
   EXPECT_EQ(h.Check(ChSchedule, file), 0);
   EXPECT_EQ(U8(h.checker.today_timetable), "TM_today.csv");
   EXPECT_EQ(h.Kinds(), "SC0301:E SC0301:E");
   EXPECT_EQ(h.Results()[0].text, U8(checker::QvChMessage::getMessage(u"msg.DATE")));
 
   CheckerHarness g;
-  const std::string bare = g.Csv("Schedule_1.csv", {"n", "f", DateFromToday(0), ",TM_empty.csv"});
+  const std::string bare = g.Csv("Schedule_1.csv", {"n", "f", today, ",TM_empty.csv"});
   EXPECT_EQ(g.Check(ChSchedule, bare), 0);
   EXPECT_EQ(g.Kinds(), "SC0301:E");  // today without a time table
   EXPECT_EQ(U8(g.checker.today_timetable), "TM_empty.csv");
@@ -63,14 +76,27 @@ TEST(CheckerSchedule, TodaysTableAndUnreadableDates) {
 // The date cell is scanned "%4d/%2d/%2d": a third digit of the day is left over, and the
 // ideographic space before a number is white space.
 TEST(CheckerSchedule, DateCellKeepsItsFieldWidthsAndWindowsWhiteSpace) {
+  FixedClock clock(Noon());
   CheckerHarness h;
-  const std::string today = DateFromToday(0);  // yyyy/mm/dd
+  const std::string today = kToday;
   const std::string spaced =
       "\u3000" + today.substr(0, 5) + "\u3000" + today.substr(5, 3) + "\u3000" + today.substr(8);
   EXPECT_EQ(h.Check(ChSchedule, h.Csv("Schedule_1.csv", {"n", "f", spaced + ",TM_a.csv",
                                                            today + "9,TM_b.csv"})), 0);
   EXPECT_EQ(U8(h.checker.today_timetable), "TM_b.csv");
   EXPECT_EQ(h.Kinds(), "");
+}
+
+// Only today's time table is held against the clock: a time before now is a warning, one after
+// it is not, and another day's table is not looked at.
+TEST(CheckerTimeTable, TodaysTimesAgainstTheClock) {
+  FixedClock clock(Noon());
+  CheckerHarness h;
+  EXPECT_EQ(h.Check(ChSchedule, h.Csv("Schedule_1.csv", {"n", "f", std::string(kToday) + ",TM_t.csv",
+                                                           "2030/06/16,TM_o.csv"})), 0);
+  EXPECT_EQ(h.Check(ChTimeTable, h.Csv("TM_t.csv", {"t", "x", "11:59:59,12:00:01,,,,"})), 0);
+  EXPECT_EQ(h.Check(ChTimeTable, h.Csv("TM_o.csv", {"t", "x", "00:00:00,00:00:00,,,,"})), 0);
+  EXPECT_EQ(h.Kinds(), "TM0301:W");
 }
 
 TEST(CheckerContents, NumberRulesStopAtTheRowsEnd) {
