@@ -246,6 +246,23 @@ fmt::QvFPlaylist QvFReadCsv::readPlaylist(std::u16string path) {
   });
 }
 
+namespace {
+
+// A content item of a file with what every such item reads of its line: the
+// file's identifier, the type, the play time and the aspect.
+template <typename Record>
+std::shared_ptr<Record> NewFileItem(const std::u16string& id, std::int32_t type,
+                                    const QvCsvFile::Row& line) {
+  auto record = std::make_shared<Record>();
+  record->ref_content.assign(id);
+  record->type = type;
+  fmt::ParseTime(line[kItemTime], record->play_time.time);
+  record->aspect = AspectOf(line[kItemAspect]);
+  return record;
+}
+
+}  // namespace
+
 void QvFReadCsv::readContents(std::u16string path, fmt::QvFPlaylist& playlist, QvFCsvProgramEntry& entry) {
   Guarded(codes::kProjectFileBad, [&] {
     QvCsvFile file;
@@ -291,12 +308,8 @@ void QvFReadCsv::readContents(std::u16string path, fmt::QvFPlaylist& playlist, Q
     std::shared_ptr<fmt::QvFContent> content;
     switch (item.kind) {
       case ItemKind::kMovie: {
-        auto movie = std::make_shared<fmt::QvFMovie>();
-        movie->ref_content.assign(id);
-        movie->type = item.type;
-        fmt::ParseTime(line[kItemTime], movie->play_time.time);
+        auto movie = NewFileItem<fmt::QvFMovie>(id, item.type, line);
         fmt::ParseColor(line[kItemColor], movie->background_color);
-        movie->aspect = AspectOf(line[kItemAspect]);
         if (line.size() > kItemVolume && !line[kItemVolume].empty()) {
           movie->volume = fmt::ParseInt(line[kItemVolume]);
         }
@@ -305,22 +318,14 @@ void QvFReadCsv::readContents(std::u16string path, fmt::QvFPlaylist& playlist, Q
         break;
       }
       case ItemKind::kTelop: {
-        auto telop = std::make_shared<fmt::QvFTelop>();
-        telop->ref_content.assign(id);
-        telop->type = item.type;
-        fmt::ParseTime(line[kItemTime], telop->play_time.time);
-        telop->aspect = AspectOf(line[kItemAspect]);
+        auto telop = NewFileItem<fmt::QvFTelop>(id, item.type, line);
         if (line.size() > kItemEndCode) ReadEndCode(line[kItemEndCode], telop->play_time);
         content = std::move(telop);
         break;
       }
       case ItemKind::kImage: {
-        auto image = std::make_shared<fmt::QvFImage>();
-        image->ref_content.assign(id);
-        image->type = item.type;
-        fmt::ParseTime(line[kItemTime], image->play_time.time);
+        auto image = NewFileItem<fmt::QvFImage>(id, item.type, line);
         fmt::ParseColor(line[kItemColor], image->background_color);
-        image->aspect = AspectOf(line[kItemAspect]);
         if (line.size() > kItemEffect) image->image_effect = EffectOf(fmt::ParseInt(line[kItemEffect]));
         if (line.size() > kItemEffectTime && image->image_effect) {
           image->image_effect->t = fmt::ParseInt(line[kItemEffectTime]);
