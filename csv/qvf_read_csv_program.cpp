@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "base/qv_conv_exception.h"
+#include "csv/contents_line.h"
 #include "csv/qvf_read_csv.h"
 #include "model/qvf_text.h"
 #include "model/qvf_text_forms.h"
@@ -33,21 +34,19 @@ constexpr std::size_t kPaneColor = 6;
 constexpr std::size_t kPaneMute = 7;
 constexpr std::size_t kPaneInUse = 9;
 
-// Columns of line 2 of a contents file.
-constexpr std::size_t kItemKind = 0;
-constexpr std::size_t kItemTime = 1;
-constexpr std::size_t kItemColor = 4;
-constexpr std::size_t kItemAspect = 5;
-constexpr std::size_t kItemVolume = 10;
-constexpr std::size_t kItemEffect = 11;
-constexpr std::size_t kItemEffectTime = 12;
-constexpr std::size_t kItemEndCode = 18;
-
-// Content kinds of column 0 of line 2.
-constexpr std::int32_t kKindFile = 1;
-constexpr std::int32_t kKindTelop = 4;
-constexpr std::int32_t kKindBlankWithColor = 7;
-constexpr std::int32_t kKindBlank = 8;
+// Line 2 of a contents file.
+constexpr std::size_t kItemKind = contents_line::kKind;
+constexpr std::size_t kItemTime = contents_line::kTime;
+constexpr std::size_t kItemColor = contents_line::kColor;
+constexpr std::size_t kItemAspect = contents_line::kAspect;
+constexpr std::size_t kItemVolume = contents_line::kVolume;
+constexpr std::size_t kItemEffect = contents_line::kEffect;
+constexpr std::size_t kItemEffectTime = contents_line::kEffectTime;
+constexpr std::size_t kItemEndCode = contents_line::kEndCode;
+using contents_line::kKindBlank;
+using contents_line::kKindBlankWithColor;
+using contents_line::kKindFile;
+using contents_line::kKindTelop;
 
 // A line too short for a column that must be read ends the read.
 void RequireColumns(const QvCsvFile::Row& row, std::size_t count) {

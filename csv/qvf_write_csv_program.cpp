@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "base/qv_conv_exception.h"
+#include "csv/contents_line.h"
 #include "csv/qvf_write_csv.h"
 #include "model/qvf_text_forms.h"
 #include "platform/file_system.h"
@@ -38,8 +39,8 @@ constexpr std::int32_t kLastPane = 6;
 constexpr std::int32_t kSoundPane = 7;
 
 // Content kinds written in column 0 of line 2.
-constexpr char16_t kKindFile[] = u"1";
-constexpr char16_t kKindBlank[] = u"8";
+using contents_line::kKindBlank;
+using contents_line::kKindFile;
 
 // The aspect modes 1, 2 and 3 stand as they are; anything else is 0.
 std::u16string AspectText(std::int32_t aspect) {
@@ -80,14 +81,24 @@ std::int32_t EffectCode(const fmt::QvFImageEffect& effect) {
   return static_cast<std::int32_t>(code);
 }
 
-// Line 2 of a contents file: nineteen columns, of which the item fills the
-// kind, time, colour, aspect, volume, effect and end code.
-QvCsvFile::Row ItemLine(std::u16string kind, const fmt::QvFPlayTime& play_time, std::u16string color,
+// Line 2 of a contents file, of which the item fills the kind, time, colour,
+// aspect, volume, effect and end code; the other columns are fixed.
+QvCsvFile::Row ItemLine(std::int32_t kind, const fmt::QvFPlayTime& play_time, std::u16string color,
                         std::u16string aspect, std::u16string volume, std::u16string effect,
                         std::u16string effect_time) {
-  return {std::move(kind), fmt::FormatTime(play_time.time), u"", u"false", std::move(color), std::move(aspect),
-          u"", u"0", u"0", u"0", std::move(volume), std::move(effect), std::move(effect_time), u"0",
-          u"-1", u"-1", u"-1", u"-1", EndCodeText(play_time)};
+  namespace column = contents_line;
+  QvCsvFile::Row line = {u"", u"", u"", u"false", u"", u"", u"", u"0", u"0", u"0",
+                         u"", u"", u"", u"0", u"-1", u"-1", u"-1", u"-1", u""};
+  static_assert(column::kColumns == 19);
+  line[column::kKind] = fmt::FormatInt(kind);
+  line[column::kTime] = fmt::FormatTime(play_time.time);
+  line[column::kColor] = std::move(color);
+  line[column::kAspect] = std::move(aspect);
+  line[column::kVolume] = std::move(volume);
+  line[column::kEffect] = std::move(effect);
+  line[column::kEffectTime] = std::move(effect_time);
+  line[column::kEndCode] = EndCodeText(play_time);
+  return line;
 }
 
 // `folder` + "\" + `name`, without doubling a separator the folder ends in.
