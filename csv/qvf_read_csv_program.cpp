@@ -11,6 +11,7 @@
 #include "base/qv_conv_exception.h"
 #include "csv/contents_line.h"
 #include "csv/qvf_read_csv.h"
+#include "model/qvf_content_files.h"
 #include "model/qvf_text.h"
 #include "model/qvf_text_forms.h"
 #include "workspace/project_path.h"
@@ -101,15 +102,14 @@ struct FileItem {
   std::int32_t type = 0;
 };
 
-// Extensions are tested in this order; ".jpeg" comes before ".jpg".
+// The item of a content file by its extension (in lower case).
 FileItem ItemOfFile(const std::u16string& path) {
-  if (EndsWith(path, u".mp4")) return {ItemKind::kMovie, 0};
-  if (EndsWith(path, u".tlp")) return {ItemKind::kTelop, 0};
-  if (EndsWith(path, u".jpeg")) return {ItemKind::kImage, 0};
-  if (EndsWith(path, u".jpg")) return {ItemKind::kImage, 0};
-  if (EndsWith(path, u".png")) return {ItemKind::kImage, 1};
-  if (EndsWith(path, u".gif")) return {ItemKind::kImage, 2};
-  if (EndsWith(path, u".bmp")) return {ItemKind::kImage, 3};
+  if (EndsWith(path, fmt::kMovieExtension)) return {ItemKind::kMovie, 0};
+  if (EndsWith(path, fmt::kTelopExtension)) return {ItemKind::kTelop, 0};
+  if (EndsWith(path, fmt::kLongJpegExtension)) return {ItemKind::kImage, 0};
+  for (std::int32_t type = 0; type < 4; ++type) {
+    if (EndsWith(path, fmt::ImageExtension(type))) return {ItemKind::kImage, type};
+  }
   return {};
 }
 
@@ -297,7 +297,7 @@ void QvFReadCsv::readContents(std::u16string path, fmt::QvFPlaylist& playlist, Q
     FileItem item;
     if (kind == kKindFile) {
       item = ItemOfFile(comparison);
-    } else if (kind == kKindTelop && EndsWith(comparison, u".tlp")) {
+    } else if (kind == kKindTelop && EndsWith(comparison, fmt::kTelopExtension)) {
       item = {ItemKind::kTelop, 0};
     }
     if (item.kind == ItemKind::kNone) return;

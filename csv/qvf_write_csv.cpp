@@ -8,6 +8,7 @@
 #include <string>
 
 #include "base/qv_conv_exception.h"
+#include "model/qvf_content_files.h"
 #include "model/qvf_text.h"
 #include "model/qvf_text_forms.h"
 #include "platform/system_info.h"
@@ -120,21 +121,18 @@ std::u16string QvFWriteCsv::contentsFileName(std::int32_t pane, std::int32_t ite
 
 std::u16string QvFWriteCsv::contentReference(const std::u16string& file) { return u"..\\contents\\" + file; }
 
-std::u16string QvFWriteCsv::movieFileName(const std::u16string& id) { return id + u".mp4"; }
+std::u16string QvFWriteCsv::movieFileName(const std::u16string& id) {
+  return id + std::u16string(fmt::kMovieExtension);
+}
 
-std::u16string QvFWriteCsv::telopFileName(const std::u16string& id) { return id + u".tlp"; }
+std::u16string QvFWriteCsv::telopFileName(const std::u16string& id) {
+  return id + std::u16string(fmt::kTelopExtension);
+}
 
 std::u16string QvFWriteCsv::imageFileName(const std::u16string& id, std::int32_t type) {
-  switch (type) {
-    case 1:
-      return id + u".png";
-    case 2:
-      return id + u".gif";
-    case 3:
-      return id + u".bmp";
-    default:
-      return id + u".jpg";
-  }
+  // An image of a type without an extension is written as a JPEG.
+  const std::u16string_view extension = fmt::ImageExtension(type);
+  return id + std::u16string(extension.empty() ? fmt::ImageExtension(0) : extension);
 }
 
 }  // namespace quorvane::qvconv::io::csv

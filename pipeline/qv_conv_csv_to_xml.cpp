@@ -6,6 +6,7 @@
 
 #include "base/qv_conv_exception.h"
 #include "csv/qvf_read_csv.h"
+#include "model/qvf_content_files.h"
 #include "model/qvf_text.h"
 #include "platform/file_system.h"
 #include "pipeline/pipeline_steps.h"
@@ -46,7 +47,7 @@ std::u16string PackageExtension(const std::u16string& path) {
   const auto dot = path.rfind(u'.');
   if (dot == std::u16string::npos) return {};
   std::u16string ext = qvformat::format::AsciiLower(path.substr(dot));
-  if (ext == u".jpeg") ext = u".jpg";
+  if (ext == fmt::kLongJpegExtension) ext = fmt::ImageExtension(0);
   return ext;
 }
 
@@ -239,7 +240,7 @@ void QvConvCsvToXml::CopyContents(Reader& reader, const std::u16string& input,
       const std::u16string dst = format + u"/QvC/" + file.id + ext;
       run_log::Step("copy", src, dst);
       run_log::LossIfMissing("content file", src, "is missing: left out of the package");
-      if (ext == u".tlp") {
+      if (ext == fmt::kTelopExtension) {
         CopyTelopAsText(src, dst);
       } else {
         CopyTree(src, dst);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "base/qv_conv_exception.h"
+#include "model/qvf_content_files.h"
 #include "pipeline/package_names.h"
 #include "pipeline/pipeline_steps.h"
 #include "platform/file_system.h"
@@ -26,15 +27,13 @@ using qvformat::format::io::xml::QvFWriteXml;
 // kind and type; none for a blank item or a type without an extension.
 std::u16string ContentFileName(const fmt::QvFContent& item) {
   if (const fmt::QvFMovie* movie = fmt::AsMovie(&item)) {
-    return movie->ref_content.text + (movie->type == 0 ? u".mp4" : u"");
+    return movie->ref_content.text + std::u16string(movie->type == 0 ? fmt::kMovieExtension : u"");
   }
   if (const fmt::QvFImage* image = fmt::AsImage(&item)) {
-    static constexpr const char16_t* kImageExtensions[] = {u".jpg", u".png", u".gif", u".bmp"};
-    const bool known = image->type >= 0 && image->type <= 3;
-    return image->ref_content.text + (known ? kImageExtensions[image->type] : u"");
+    return image->ref_content.text + std::u16string(fmt::ImageExtension(image->type));
   }
   if (const fmt::QvFTelop* telop = fmt::AsTelop(&item)) {
-    return telop->ref_content.text + (telop->type == 0 ? u".tlp" : u"");
+    return telop->ref_content.text + std::u16string(telop->type == 0 ? fmt::kTelopExtension : u"");
   }
   return {};
 }
