@@ -12,6 +12,7 @@
 #include "checker/qv_ch_text.h"
 #include "checker/qv_checker.h"
 #include "model/qvf_text.h"
+#include "model/qvf_text_forms.h"
 #include "platform/file_system.h"
 #include "platform/text_codec.h"
 #include "workspace/project_path.h"
@@ -163,7 +164,7 @@ TelopText ReadTelop(const std::u16string& path) {
 double FieldNumber(const std::vector<std::string>& fields, std::size_t index) {
   const std::string& field = fields.at(index);
   std::u16string wide(field.begin(), field.end());
-  return static_cast<double>(ParseLong(wide));
+  return static_cast<double>(qvformat::format::ParseInt(wide));
 }
 
 // The extension of a content path: behind its last ".", empty without one.
@@ -295,7 +296,7 @@ void QvChRunner::CHECK_COLOR(const std::u16string& cell) {
 
 void QvChRunner::CHECK_EFFECT_KIND(const std::u16string& cell) {
   if (cell.empty()) return;
-  const auto code = static_cast<std::uint32_t>(ParseLong(cell));
+  const auto code = static_cast<std::uint32_t>(qvformat::format::ParseInt(cell));
   static constexpr std::uint32_t kByteMask[4] = {0xFFu, 0xFF00u, 0xFF0000u, 0xFF000000u};
   for (const QvChEffectRow& effect : table.effect_rows) {
     if (effect.byte_pattern[0].empty()) continue;

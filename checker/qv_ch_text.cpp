@@ -26,7 +26,6 @@ bool EqualsIgnoreCase(std::u16string_view a, std::u16string_view b) {
 
 std::int32_t ParseHex(std::u16string_view text) { return qvformat::format::ParseLong(text, 16); }
 
-std::int32_t ParseLong(std::u16string_view text) { return qvformat::format::ParseLong(text, 10); }
 
 std::size_t CountUtf8Characters(std::string_view text) {
   std::size_t count = 0;

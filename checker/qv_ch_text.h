@@ -23,8 +23,6 @@ bool EqualsIgnoreCase(std::u16string_view a, std::u16string_view b);
 // at the first other character; clamped to the 32-bit range.
 std::int32_t ParseHex(std::u16string_view text);
 
-// As _wtol: decimal, clamped to the 32-bit range.
-std::int32_t ParseLong(std::u16string_view text);
 
 // Characters of UTF-8 text, counted by lead bytes.  A byte that leads no
 // sequence counts as one character; a sequence cut short by the end of the

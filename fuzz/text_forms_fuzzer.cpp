@@ -11,6 +11,7 @@
 #include "checker/qv_ch_text.h"
 #include "fuzz_support.h"
 #include "model/qvf_number_scan.h"
+#include "model/qvf_text.h"
 #include "model/qvf_text_forms.h"
 
 namespace fmt = quorvane::qvformat::format;
@@ -69,9 +70,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (read < 0 || read > count) std::abort();
   (void)checker::IsDigits(text, (selector & 1) != 0);
   (void)checker::ParseHex(text);
-  (void)checker::ParseLong(text);
   if (checker::CountUtf8Characters(bytes) > bytes.size()) std::abort();
   const std::u16string_view from = view.substr(0, 1 + selector % 3);
-  if (!from.empty()) (void)checker::ReplaceAll(text, from, u"ab");
+  if (!from.empty()) (void)fmt::ReplaceAll(std::u16string(text), from, u"ab");
   return 0;
 }
