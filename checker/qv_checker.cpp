@@ -74,8 +74,7 @@ void QvChecker::checkFile(QvChFileKind kind, const std::u16string& path) {
 }
 
 void QvChecker::writeReport(const std::u16string& path) {
-  // A file that cannot be made or written is the XML library's own failure,
-  // no standard exception: it passes on and ends the run as unknown (-999).
+  // A file that cannot be made or written ends the run as unknown (-999).
   converter::Guarded(converter::codes::kReportNotWritten, [&] { report->serialize(path, true); });
 }
 

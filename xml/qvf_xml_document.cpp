@@ -267,7 +267,7 @@ std::string QvFXmlDocument::writeToBytes(bool pretty) {
 
 void QvFXmlDocument::serialize(const std::u16string& path, bool pretty) {
   const std::string bytes = serializeToBytes(pretty);
-  if (!platform::WriteFile(path, bytes)) throw QvFXmlFileNotWritten{path};
+  if (!platform::WriteFile(path, bytes)) ThrowCode(codes::kUnknownFailure);
 }
 
 DOMAttr* QvFXmlDocument::addAttribute(DOMElement* element, const std::u16string& name,

@@ -31,14 +31,6 @@ namespace quorvane::qvformat::format::io::xml {
 
 class RefusingEntityResolver;
 
-// Thrown by QvFXmlDocument::serialize when the file cannot be made or is cut
-// short.  It stands for the XML library's own file error, which is no standard
-// exception either: the guards of a conversion that turn standard exceptions
-// into codes let it pass, and the run ends as an unknown failure (-999).
-struct QvFXmlFileNotWritten {
-  std::u16string path;
-};
-
 // A scope in which the XML library is started: Initialize at construction,
 // the matching Terminate at destruction.  A failed start-up is swallowed and
 // reported by started().
@@ -78,7 +70,8 @@ class QvFXmlDocument {
 
   // Writes the document to `path` as UTF-8 with an XML declaration and no byte
   // order mark; `pretty` adds line breaks and indentation.  A file that cannot
-  // be made or is cut short (a full disk) throws QvFXmlFileNotWritten; a tree
+  // be made or is cut short (a full disk) ends the run as an unknown failure: a
+  // QvConvException pointer -999, which every guard lets pass; a tree
   // that the library refuses (a text holding a character that XML cannot
   // carry, such as a control character or a lone surrogate) throws
   // std::runtime_error.  No library exception leaves this class: it could
