@@ -3,6 +3,7 @@
 #include "checker/qv_ch_message.h"
 #include "checker/qv_ch_table.h"
 #include "tests/checker/checker_harness.h"
+#include "tests/support/fake_env.h"
 
 namespace qvtest {
 namespace {
@@ -29,7 +30,7 @@ TEST(CheckerCatalogue, EveryKeyInBothLanguagesChosenByTheLocale) {
   for (const char* name : {"ja_JP.UTF-8", "de_DE.UTF-8", "fr", "english_fake", "eng_XX"})
     EXPECT_FALSE(QvChMessage::IsEnglishLocale(name)) << name;
   {
-    EnvOverride locale("LC_ALL", "en_AU.UTF-8");
+    FixedLocale locale("en_AU.UTF-8");
     EXPECT_EQ(U8(QvChMessage::getMessage(u"msg.NUMBER")), "Numeric data is invalid.");
   }
   EXPECT_EQ(QvChMessage::getMessage(u"msg.NOPE"), u"");

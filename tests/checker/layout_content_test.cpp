@@ -3,6 +3,7 @@
 #include <tuple>
 
 #include "tests/checker/checker_harness.h"
+#include "tests/support/fake_env.h"
 
 namespace qvtest {
 namespace {
@@ -61,7 +62,7 @@ TEST(CheckerLayout, BackgroundAndSoundPlaylistsMustBeEmpty) {
 
 // A refusal by extension silences the type rules of row 1.
 TEST(CheckerContent, ExtensionsColoursAndEffects) {
-  EnvOverride locale("LC_ALL", "C");
+  FixedLocale locale("C");
   const std::tuple<std::string, std::string, std::string> cases[] = {
       {"C:\\\\https://x\\\\a.exe", "1", ""},
       {"a.TLP", "1", ""},  // passes without the telop tests

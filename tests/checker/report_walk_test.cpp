@@ -19,7 +19,7 @@ std::vector<std::string> Contents(const std::string& content, const std::string&
 
 TEST(CheckerReport, PaneOverrideAndKeysWithoutText) {
   CheckerHarness h;
-  EnvOverride locale("LC_ALL", "en_US.UTF-8");
+  FixedLocale locale("en_US.UTF-8");
   const std::string contents =
       h.Csv("P/information/contents_1_001.csv", Contents("..\\\\contents\\\\a.wmv", "1"));
   h.checker.pane_override = 4;

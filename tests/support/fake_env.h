@@ -1,5 +1,6 @@
-// Envs that tests install (platform/env.h): a clock that stands still, and a
-// disk that fills up.  Every call they do not fake reaches the system.
+// Envs that tests install (platform/env.h): a clock that stands still, a
+// user's locale, and a disk that fills up.  Every call they do not fake
+// reaches the system.
 #ifndef QV_TESTS_SUPPORT_FAKE_ENV_H_
 #define QV_TESTS_SUPPORT_FAKE_ENV_H_
 
@@ -7,6 +8,7 @@
 #include <ctime>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "platform/env.h"
 
@@ -23,6 +25,18 @@ class FixedClock : public platform::EnvWrapper {
 
  private:
   std::tm now_;
+  platform::ScopedEnv scope_;
+};
+
+// The user's messages are in `locale`, for as long as this is current.
+class FixedLocale : public platform::EnvWrapper {
+ public:
+  explicit FixedLocale(std::string locale)
+      : EnvWrapper(platform::Env::Default()), locale_(std::move(locale)), scope_(this) {}
+  std::string MessageLocaleName() override { return locale_; }
+
+ private:
+  std::string locale_;
   platform::ScopedEnv scope_;
 };
 
