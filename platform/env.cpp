@@ -17,6 +17,9 @@ class SystemEnv final : public Env {
   bool WriteFile(std::u16string_view path, std::string_view bytes) override {
     return system::WriteFile(path, bytes);
   }
+  std::unique_ptr<WritableFile> NewWritableFile(std::u16string_view path) override {
+    return system::NewWritableFile(path);
+  }
   bool CopyFile(std::u16string_view source, std::u16string_view destination) override {
     return system::CopyFile(source, destination);
   }
@@ -78,6 +81,25 @@ ProcessResult RunProcess(const std::vector<std::u16string>& argv) {
   return Env::Current()->RunProcess(argv);
 }
 std::tm LocalNow() { return Env::Current()->LocalNow(); }
+
+OutputFile::~OutputFile() { Close(); }
+
+bool OutputFile::Open(std::u16string_view path) {
+  Close();
+  file_ = Env::Current()->NewWritableFile(path);
+  return file_ != nullptr;
+}
+
+void OutputFile::Append(std::string_view bytes) {
+  if (file_) file_->Append(bytes);
+}
+
+bool OutputFile::Close() {
+  if (!file_) return false;
+  const bool written = file_->Close();
+  file_.reset();
+  return written;
+}
 std::time_t MakeLocalTime(std::tm* time) { return Env::Current()->MakeTime(time); }
 std::u16string TempDirectory() { return Env::Current()->TempDirectory(); }
 std::string MessageLocaleName() { return Env::Current()->MessageLocaleName(); }

@@ -15,6 +15,7 @@
 
 #include <cstddef>
 #include <ctime>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -44,6 +45,9 @@ class Env {
   virtual bool ReadFilePrefix(std::u16string_view path, std::size_t limit,
                               std::string* bytes) = 0;
   virtual bool WriteFile(std::u16string_view path, std::string_view bytes) = 0;
+  // A new file at `path` (created or truncated) to write piece by piece;
+  // null when it cannot be made.  OutputFile writes through it.
+  virtual std::unique_ptr<WritableFile> NewWritableFile(std::u16string_view path) = 0;
   virtual bool CopyFile(std::u16string_view source, std::u16string_view destination) = 0;
   virtual MakeDirResult MakeDirectory(std::u16string_view path) = 0;
   virtual bool ListDirectory(std::u16string_view path, std::vector<DirEntry>* entries) = 0;
@@ -79,6 +83,9 @@ class EnvWrapper : public Env {
   }
   bool WriteFile(std::u16string_view path, std::string_view bytes) override {
     return target_->WriteFile(path, bytes);
+  }
+  std::unique_ptr<WritableFile> NewWritableFile(std::u16string_view path) override {
+    return target_->NewWritableFile(path);
   }
   bool CopyFile(std::u16string_view source, std::u16string_view destination) override {
     return target_->CopyFile(source, destination);

@@ -303,44 +303,51 @@ bool system::ReadFilePrefix(std::u16string_view path, std::size_t limit, std::st
   return ok;
 }
 
-bool system::WriteFile(std::u16string_view path, std::string_view bytes) {
-  OutputFile file;
-  if (!file.Open(path)) return false;
-  file.Append(bytes);
-  return file.Close();
-}
+namespace {
 
-OutputFile::~OutputFile() { Close(); }
+// A file of the system, written through a buffer.
+class SystemWritableFile final : public WritableFile {
+ public:
+  explicit SystemWritableFile(int fd) : fd_(fd) {}
+  ~SystemWritableFile() override { Close(); }
 
-bool OutputFile::Open(std::u16string_view path) {
-  Close();
-  failed_ = false;
-  buffer_.clear();
-  fd_ = CreateForWriting(path);
-  return fd_ >= 0;
-}
-
-void OutputFile::Append(std::string_view bytes) {
-  if (fd_ < 0) {
-    failed_ = true;
-    return;
+  void Append(std::string_view bytes) override {
+    buffer_.append(bytes);
+    if (buffer_.size() >= (1u << 16)) Flush();
   }
-  buffer_.append(bytes);
-  if (buffer_.size() >= (1u << 16)) Flush();
+
+  bool Close() override {
+    if (fd_ < 0) return false;
+    Flush();
+    if (::close(fd_) != 0) failed_ = true;
+    fd_ = -1;
+    return !failed_;
+  }
+
+ private:
+  void Flush() {
+    if (!buffer_.empty() && !WriteAll(fd_, buffer_.data(), buffer_.size())) failed_ = true;
+    buffer_.clear();
+  }
+
+  int fd_;
+  bool failed_ = false;
+  std::string buffer_;
+};
+
+}  // namespace
+
+std::unique_ptr<WritableFile> system::NewWritableFile(std::u16string_view path) {
+  const int fd = CreateForWriting(path);
+  if (fd < 0) return nullptr;
+  return std::make_unique<SystemWritableFile>(fd);
 }
 
-bool OutputFile::Flush() {
-  if (!buffer_.empty() && !WriteAll(fd_, buffer_.data(), buffer_.size())) failed_ = true;
-  buffer_.clear();
-  return !failed_;
-}
-
-bool OutputFile::Close() {
-  if (fd_ < 0) return false;
-  Flush();
-  if (::close(fd_) != 0) failed_ = true;
-  fd_ = -1;
-  return !failed_;
+bool system::WriteFile(std::u16string_view path, std::string_view bytes) {
+  std::unique_ptr<WritableFile> file = system::NewWritableFile(path);
+  if (!file) return false;
+  file->Append(bytes);
+  return file->Close();
 }
 
 }  // namespace quorvane::platform

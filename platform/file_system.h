@@ -20,6 +20,7 @@
 #define QV_PLATFORM_FILE_SYSTEM_H_
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -86,6 +87,20 @@ bool ReadFilePrefix(std::u16string_view path, std::size_t limit, std::string* by
 // failed, the final flush and close included (a full disk is a failure).
 bool WriteFile(std::u16string_view path, std::string_view bytes);
 
+// A file that is being written, as the Env makes it (env.h): appends are
+// buffered; Close (or the destructor) writes the rest and closes the file.
+class WritableFile {
+ public:
+  WritableFile() = default;
+  virtual ~WritableFile() = default;
+  WritableFile(const WritableFile&) = delete;
+  WritableFile& operator=(const WritableFile&) = delete;
+
+  virtual void Append(std::string_view bytes) = 0;
+  // False if any write failed.  Called once.
+  virtual bool Close() = 0;
+};
+
 // A file written piece by piece; Close reports whether every write arrived.
 class OutputFile {
  public:
@@ -99,10 +114,7 @@ class OutputFile {
   bool Close();                         // false if any write failed
 
  private:
-  bool Flush();
-  int fd_ = -1;
-  bool failed_ = false;
-  std::string buffer_;
+  std::unique_ptr<WritableFile> file_;
 };
 
 }  // namespace quorvane::platform

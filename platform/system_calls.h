@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <ctime>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,6 +20,7 @@ namespace quorvane::platform::system {
 bool ReadFile(std::u16string_view path, std::string* bytes);
 bool ReadFilePrefix(std::u16string_view path, std::size_t limit, std::string* bytes);
 bool WriteFile(std::u16string_view path, std::string_view bytes);
+std::unique_ptr<WritableFile> NewWritableFile(std::u16string_view path);
 bool CopyFile(std::u16string_view source, std::u16string_view destination);
 MakeDirResult MakeDirectory(std::u16string_view path);
 bool ListDirectory(std::u16string_view path, std::vector<DirEntry>* entries);

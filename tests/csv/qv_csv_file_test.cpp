@@ -6,6 +6,7 @@
 
 #include <string>
 
+#include "tests/support/fake_env.h"
 #include "tests/support/test_support.h"
 
 namespace quorvane::qvconv::io::csv {
@@ -82,6 +83,23 @@ TEST(CsvFileWrite, ExactBytesAndRoundTripThroughAFile) {
   EXPECT_EQ(CodeOf([&] { in.ReadFile(U16(dir.Sub("missing.csv"))); }), -101);
   EXPECT_EQ(CodeOf([&] { in.ReadFile(U16(dir.path())); }), -101);
   EXPECT_EQ(CodeOf([&] { out.WriteFile(U16(dir.Sub("no/such/folder.csv"))); }), -3);
+}
+
+// A file that cannot be made is -3; one that a full disk cuts short counts as written, since the
+// stream's failures are not looked at.
+TEST(CsvFileWrite, UnwritableAndFullDisks) {
+  qvtest::ScratchDir dir;
+  QvCsvFile out;
+  out.AddRow({u"abc"});
+  {
+    qvtest::ReadOnlyDisk disk;
+    EXPECT_EQ(CodeOf([&] { out.WriteFile(U16(dir.Sub("a.csv"))); }), -3);
+  }
+  EXPECT_FALSE(qvtest::Exists(dir.Sub("a.csv")));
+  qvtest::FullDisk disk(2);
+  EXPECT_EQ(CodeOf([&] { out.WriteFile(U16(dir.Sub("b.csv"))); }), 0);
+  EXPECT_TRUE(disk.full());
+  EXPECT_EQ(qvtest::ReadFile(dir.Sub("b.csv")), "");
 }
 
 }  // namespace

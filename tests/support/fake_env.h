@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <ctime>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -40,13 +41,33 @@ class FixedLocale : public platform::EnvWrapper {
   platform::ScopedEnv scope_;
 };
 
-// A disk with room for `room` bytes of whole files written and copied by the
-// program: a write or copy that does not fit fails and writes nothing, as
-// does every one after it.  Current while it lives.
+// A disk on which nothing can be made: every new file fails.
+class ReadOnlyDisk : public platform::EnvWrapper {
+ public:
+  ReadOnlyDisk() : EnvWrapper(platform::Env::Default()), scope_(this) {}
+  bool WriteFile(std::u16string_view, std::string_view) override { return false; }
+  std::unique_ptr<platform::WritableFile> NewWritableFile(std::u16string_view) override {
+    return nullptr;
+  }
+
+ private:
+  platform::ScopedEnv scope_;
+};
+
+// A disk with room for `room` bytes of what the program writes and copies: a
+// whole-file write or copy that does not fit fails and writes nothing, a piece
+// written to an open file that does not fit is lost and its Close fails, and
+// so does everything after it.  Current while it lives.
 class FullDisk : public platform::EnvWrapper {
  public:
   explicit FullDisk(std::size_t room)
       : EnvWrapper(platform::Env::Default()), room_(room), scope_(this) {}
+
+  std::unique_ptr<platform::WritableFile> NewWritableFile(std::u16string_view path) override {
+    std::unique_ptr<platform::WritableFile> file = target()->NewWritableFile(path);
+    if (!file) return nullptr;
+    return std::make_unique<MeteredFile>(std::move(file), this);
+  }
 
   bool WriteFile(std::u16string_view path, std::string_view bytes) override {
     return Take(bytes.size()) && target()->WriteFile(path, bytes);
@@ -59,6 +80,20 @@ class FullDisk : public platform::EnvWrapper {
   bool full() const { return full_; }
 
  private:
+  class MeteredFile : public platform::WritableFile {
+   public:
+    MeteredFile(std::unique_ptr<platform::WritableFile> file, FullDisk* disk)
+        : file_(std::move(file)), disk_(disk) {}
+    void Append(std::string_view bytes) override {
+      if (disk_->Take(bytes.size())) file_->Append(bytes);
+    }
+    bool Close() override { return file_->Close() && !disk_->full(); }
+
+   private:
+    std::unique_ptr<platform::WritableFile> file_;
+    FullDisk* disk_;
+  };
+
   bool Take(std::size_t size) {
     if (full_ || size > room_) {
       full_ = true;
