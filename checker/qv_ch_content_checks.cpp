@@ -69,19 +69,8 @@ std::string Utf8InBuffer(std::u16string_view text) {
 
 // Fields of the parameter line: none without a comma, n + 1 with n commas.
 std::vector<std::string> SplitParameters(const std::string& line) {
-  std::vector<std::string> fields;
-  if (line.find(',') == std::string::npos) return fields;
-  std::size_t start = 0;
-  while (true) {
-    const std::size_t comma = line.find(',', start);
-    if (comma == std::string::npos) {
-      fields.push_back(line.substr(start));
-      break;
-    }
-    fields.push_back(line.substr(start, comma - start));
-    start = comma + 1;
-  }
-  return fields;
+  if (line.find(',') == std::string::npos) return {};
+  return qvformat::format::SplitAtCommas<char>(line);
 }
 
 // A line behind line 1, in UTF-8: line 2 holds the parameters, lines 3 and

@@ -3,6 +3,7 @@
 #include <iterator>
 
 #include "base/qv_conv_exception.h"
+#include "model/qvf_text.h"
 
 namespace quorvane::qvconv::checker {
 namespace {
@@ -129,20 +130,9 @@ std::vector<QvChTemplateRow> QvChTable::ParseTemplate(const std::u16string& text
     const std::u16string line =
         text.substr(line_start, line_end == std::u16string::npos ? std::u16string::npos : line_end - line_start);
     QvChTemplateRow row;
-    if (!line.empty()) {
-      // n commas make n + 1 cells, so a trailing comma closes the row with
-      // one empty cell.
-      std::size_t cell_start = 0;
-      while (true) {
-        const std::size_t comma = line.find(u',', cell_start);
-        if (comma == std::u16string::npos) {
-          row.push_back(line.substr(cell_start));
-          break;
-        }
-        row.push_back(line.substr(cell_start, comma - cell_start));
-        cell_start = comma + 1;
-      }
-    }
+    // n commas make n + 1 cells, so a trailing comma closes the row with one
+    // empty cell; an empty line has none.
+    if (!line.empty()) row = qvformat::format::SplitAtCommas<char16_t>(line);
     result.push_back(row);
     if (line_end == std::u16string::npos) break;
     line_start = line_end + 1;

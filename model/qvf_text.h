@@ -4,8 +4,10 @@
 #ifndef QV_MODEL_QVF_TEXT_H_
 #define QV_MODEL_QVF_TEXT_H_
 
+#include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quorvane::qvformat::format {
 
@@ -23,6 +25,19 @@ std::u16string AsciiLower(std::u16string text);
 
 // Each byte as the character of the same number (ASCII stays ASCII).
 std::u16string Widen(std::string_view bytes);
+
+// The pieces of `text` between commas: n commas make n + 1 pieces, so empty
+// text is one empty piece and a comma at the end closes an empty last piece.
+template <typename Char>
+std::vector<std::basic_string<Char>> SplitAtCommas(std::basic_string_view<Char> text) {
+  std::vector<std::basic_string<Char>> pieces;
+  std::size_t start = 0;
+  for (std::size_t comma; (comma = text.find(Char(','), start)) != text.npos; start = comma + 1) {
+    pieces.emplace_back(text.substr(start, comma - start));
+  }
+  pieces.emplace_back(text.substr(start));
+  return pieces;
+}
 
 // Every `from` replaced by `to`, left to right, going on behind the inserted
 // text.  An empty `from` replaces nothing.

@@ -32,17 +32,9 @@ bool StartsWith(const std::u16string& text, std::u16string_view prefix) {
 // Fields separated by ",", as a line reader with that delimiter gives them:
 // no field at all for empty text, and none after a comma at the very end.
 std::vector<std::u16string> SplitFields(const std::u16string& text) {
-  std::vector<std::u16string> fields;
-  std::size_t start = 0;
-  while (start < text.size()) {
-    const std::size_t comma = text.find(u',', start);
-    if (comma == std::u16string::npos) {
-      fields.push_back(text.substr(start));
-      break;
-    }
-    fields.push_back(text.substr(start, comma - start));
-    start = comma + 1;
-  }
+  if (text.empty()) return {};
+  std::vector<std::u16string> fields = qvformat::format::SplitAtCommas<char16_t>(text);
+  if (fields.back().empty()) fields.pop_back();
   return fields;
 }
 
