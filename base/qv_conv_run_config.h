@@ -51,7 +51,6 @@ class QvConvRunConfig {
   }
   bool CheckOnly() const { return check_only_; }
   bool Unpackage() const { return unpackage_; }
-  bool SkipContents() const { return skip_contents_; }
   std::int32_t InputKind() const { return input_kind_; }
   std::int32_t OutputKind() const { return output_kind_; }
   bool InputArchive() const { return input_archive_; }
@@ -60,10 +59,8 @@ class QvConvRunConfig {
   QvConvDisplayRegion DisplayRegion() const { return display_region_; }
 
   void SetInputPath(const std::u16string& path) { input_path_ = path; }
-  void SetOutputPath(const std::u16string& path) { output_path_ = path; }
   void SetConversionRoot(const std::u16string& path) { conversion_root_ = path; }
   void SetUnpackage(bool flag) { unpackage_ = flag; }
-  void SetSkipContents(bool flag) { skip_contents_ = flag; }
   void SetInputKind(std::int32_t kind) { input_kind_ = kind; }
   void SetOutputKind(std::int32_t kind) { output_kind_ = kind; }
   void SetInputArchive(bool flag) { input_archive_ = flag; }
@@ -79,7 +76,6 @@ class QvConvRunConfig {
   std::u16string conversion_root_;
   bool check_only_ = false;
   bool unpackage_ = false;
-  bool skip_contents_ = false;
   std::int32_t input_kind_ = KindProject;
   std::int32_t output_kind_ = KindCompact;
   bool input_archive_ = false;

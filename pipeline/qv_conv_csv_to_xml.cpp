@@ -236,7 +236,6 @@ void QvConvCsvToXml::CopyContents(Reader& reader, const std::u16string& input,
       }
       const std::u16string src = input + rel;
       const std::u16string ext = PackageExtension(src);
-      if (config.SkipContents()) continue;
       const std::u16string dst = format + u"/QvC/" + file.id + ext;
       run_log::Step("copy", src, dst);
       run_log::LossIfMissing("content file", src, "is missing: left out of the package");
