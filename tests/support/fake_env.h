@@ -1,5 +1,6 @@
 // Envs that tests install (platform/env.h): a clock that stands still, a
-// user's locale, and a disk that fills up.  Every call they do not fake
+// user's locale, a machine without helper programs, and disks that refuse
+// files or fill up.  Every call they do not fake
 // reaches the system.
 #ifndef QV_TESTS_SUPPORT_FAKE_ENV_H_
 #define QV_TESTS_SUPPORT_FAKE_ENV_H_
@@ -10,6 +11,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "platform/env.h"
 
@@ -38,6 +40,16 @@ class FixedLocale : public platform::EnvWrapper {
 
  private:
   std::string locale_;
+  platform::ScopedEnv scope_;
+};
+
+// No helper program (the archive tool) can be started.
+class NoTools : public platform::EnvWrapper {
+ public:
+  NoTools() : EnvWrapper(platform::Env::Default()), scope_(this) {}
+  platform::ProcessResult RunProcess(const std::vector<std::u16string>&) override { return {}; }
+
+ private:
   platform::ScopedEnv scope_;
 };
 

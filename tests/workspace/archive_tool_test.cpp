@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "tests/support/fake_env.h"
 #include "tests/support/test_support.h"
 
 namespace {
@@ -105,7 +106,7 @@ TEST_F(ArchiveTool, PackTakesPathsAsPathsAndNeedsTheTool) {
   const bool package = Probe("-p.zip");
   ASSERT_EQ(::chdir(old.c_str()), 0);
   EXPECT_TRUE(package);
-  qvtest::EnvOverride path("PATH", scratch_.Sub("no_tools"));
+  qvtest::NoTools no_tools;
   const std::u16string folder = U16(scratch_.Sub("-work/QvFormat")), zip = U16(scratch_.Sub("new.zip"));
   EXPECT_EQ(qvtest::CodeOf([&] { PackFolder(folder, zip, false); }), -401);
 }

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/fake_env.h"
 #include "tests/support/test_support.h"
 #include "workspace/archive_tool.h"
 
@@ -80,7 +81,7 @@ TEST_F(AtomicDelivery, FailedPackLeavesTheDestinationAsItWas) {
   EXPECT_EQ(ReadFile(zip), "not a zip at all");
   EXPECT_EQ(ListDir(scratch_.Sub("out")), std::vector<std::string>{"p.zip"});
 
-  qvtest::EnvOverride path("PATH", scratch_.Sub("no_tools"));
+  qvtest::NoTools no_tools;
   EXPECT_EQ(qvtest::CodeOf([&] { PackFolderWhole(U16(folder_), U16(zip), false); }), -401);
   EXPECT_EQ(ReadFile(zip), "not a zip at all");
   EXPECT_EQ(ListDir(scratch_.Sub("out")), std::vector<std::string>{"p.zip"});
