@@ -30,6 +30,13 @@ class SystemEnv final : public Env {
     return system::ListDirectory(path, entries);
   }
   bool RemoveFile(std::u16string_view path) override { return system::RemoveFile(path); }
+  bool RemoveDirectory(std::u16string_view path) override {
+    return system::RemoveDirectory(path);
+  }
+  bool MakeWritable(std::u16string_view path) override { return system::MakeWritable(path); }
+  bool PathExists(std::u16string_view path) override { return system::PathExists(path); }
+  bool IsDirectory(std::u16string_view path) override { return system::IsDirectory(path); }
+  bool IsRegularFile(std::u16string_view path) override { return system::IsRegularFile(path); }
   ProcessResult RunProcess(const std::vector<std::u16string>& argv) override {
     return system::RunProcess(argv);
   }
@@ -77,6 +84,11 @@ bool ListDirectory(std::u16string_view path, std::vector<DirEntry>* entries) {
   return Env::Current()->ListDirectory(path, entries);
 }
 bool RemoveFile(std::u16string_view path) { return Env::Current()->RemoveFile(path); }
+bool RemoveDirectory(std::u16string_view path) { return Env::Current()->RemoveDirectory(path); }
+bool MakeWritable(std::u16string_view path) { return Env::Current()->MakeWritable(path); }
+bool PathExists(std::u16string_view path) { return Env::Current()->PathExists(path); }
+bool IsDirectory(std::u16string_view path) { return Env::Current()->IsDirectory(path); }
+bool IsRegularFile(std::u16string_view path) { return Env::Current()->IsRegularFile(path); }
 ProcessResult RunProcess(const std::vector<std::u16string>& argv) {
   return Env::Current()->RunProcess(argv);
 }

@@ -1,9 +1,11 @@
 // Env: the seam between the program and the system it runs on.
 //
-// Every file, folder, process, clock and locale call that the program makes
-// goes through the current Env: the free functions of file_system.h,
-// process.h and system_info.h that the rest of the program calls forward to
-// Env::Current().  Env::Default() is the system itself.  A test derives from
+// The file, folder, process, clock and locale calls of file_system.h,
+// process.h and system_info.h go through the current Env: those free
+// functions forward to Env::Current(), and Env::Default() is the system
+// itself.  The guarded operations of platform/ that must hold a descriptor
+// from one system call to the next (atomic_file.h, file_lock.h,
+// private_folder.h, append_only_file.h) call the system directly.  A test derives from
 // EnvWrapper, overrides the calls it wants to fail or fake (a full disk, an
 // unreadable file, a fixed clock) and installs it with ScopedEnv; every other
 // call reaches the system unchanged.
@@ -52,6 +54,11 @@ class Env {
   virtual MakeDirResult MakeDirectory(std::u16string_view path) = 0;
   virtual bool ListDirectory(std::u16string_view path, std::vector<DirEntry>* entries) = 0;
   virtual bool RemoveFile(std::u16string_view path) = 0;
+  virtual bool RemoveDirectory(std::u16string_view path) = 0;
+  virtual bool MakeWritable(std::u16string_view path) = 0;
+  virtual bool PathExists(std::u16string_view path) = 0;
+  virtual bool IsDirectory(std::u16string_view path) = 0;
+  virtual bool IsRegularFile(std::u16string_view path) = 0;
 
   // Processes (process.h).
   virtual ProcessResult RunProcess(const std::vector<std::u16string>& argv) = 0;
@@ -97,6 +104,13 @@ class EnvWrapper : public Env {
     return target_->ListDirectory(path, entries);
   }
   bool RemoveFile(std::u16string_view path) override { return target_->RemoveFile(path); }
+  bool RemoveDirectory(std::u16string_view path) override {
+    return target_->RemoveDirectory(path);
+  }
+  bool MakeWritable(std::u16string_view path) override { return target_->MakeWritable(path); }
+  bool PathExists(std::u16string_view path) override { return target_->PathExists(path); }
+  bool IsDirectory(std::u16string_view path) override { return target_->IsDirectory(path); }
+  bool IsRegularFile(std::u16string_view path) override { return target_->IsRegularFile(path); }
   ProcessResult RunProcess(const std::vector<std::u16string>& argv) override {
     return target_->RunProcess(argv);
   }

@@ -183,17 +183,17 @@ MakeDirResult system::MakeDirectory(std::u16string_view path) {
   return errno == EEXIST ? MakeDirResult::kExists : MakeDirResult::kFailed;
 }
 
-bool PathExists(std::u16string_view path) {
+bool system::PathExists(std::u16string_view path) {
   struct stat st;
   return Lstat(path, &st);
 }
 
-bool IsDirectory(std::u16string_view path) {
+bool system::IsDirectory(std::u16string_view path) {
   struct stat st;
   return Lstat(path, &st) && S_ISDIR(st.st_mode);
 }
 
-bool IsRegularFile(std::u16string_view path) {
+bool system::IsRegularFile(std::u16string_view path) {
   struct stat st;
   return Lstat(path, &st) && S_ISREG(st.st_mode);
 }
@@ -235,7 +235,7 @@ bool system::ListDirectory(std::u16string_view path, std::vector<DirEntry>* entr
   return ok;
 }
 
-bool MakeWritable(std::u16string_view path) {
+bool system::MakeWritable(std::u16string_view path) {
   return OnListed(path, [](const SystemPath& p) {
     struct stat st;
     if (::lstat(p.c_str(), &st) != 0) return false;
@@ -248,7 +248,7 @@ bool system::RemoveFile(std::u16string_view path) {
   return OnListed(path, [](const SystemPath& p) { return ::unlink(p.c_str()) == 0; });
 }
 
-bool RemoveDirectory(std::u16string_view path) {
+bool system::RemoveDirectory(std::u16string_view path) {
   return OnListed(path, [](const SystemPath& p) { return ::rmdir(p.c_str()) == 0; });
 }
 
