@@ -39,6 +39,11 @@ TEST(CheckerReport, PaneOverrideAndKeysWithoutText) {
 TEST(CheckerWalk, UnreadableFilesFailAsCsv) {
   CheckerHarness h;
   EXPECT_EQ(h.Check(ChSchedule, h.dir.Sub("none.csv")), -101);
+  const std::string locked = h.Csv("locked.csv", {"name"});
+  {
+    UnreadableFiles unreadable;
+    EXPECT_EQ(h.Check(ChSchedule, locked), -101);
+  }
   EXPECT_EQ(h.Check(ChSchedule, h.Csv("bad.csv", {"a\\b"})), -102);
   EXPECT_EQ(h.Check(ChSchedule, h.Csv("empty.csv", {})), 0);
   EXPECT_FALSE(h.checker.has_result);

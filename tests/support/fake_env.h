@@ -1,6 +1,6 @@
 // Envs that tests install (platform/env.h): a clock that stands still, a
-// user's locale, a machine without helper programs, and disks that refuse
-// files or fill up.  Every call they do not fake
+// user's locale, a machine without helper programs, files that cannot be
+// read, and disks that refuse files or fill up.  Every call they do not fake
 // reaches the system.
 #ifndef QV_TESTS_SUPPORT_FAKE_ENV_H_
 #define QV_TESTS_SUPPORT_FAKE_ENV_H_
@@ -48,6 +48,17 @@ class NoTools : public platform::EnvWrapper {
  public:
   NoTools() : EnvWrapper(platform::Env::Default()), scope_(this) {}
   platform::ProcessResult RunProcess(const std::vector<std::u16string>&) override { return {}; }
+
+ private:
+  platform::ScopedEnv scope_;
+};
+
+// Files that stand but cannot be read: every read fails.
+class UnreadableFiles : public platform::EnvWrapper {
+ public:
+  UnreadableFiles() : EnvWrapper(platform::Env::Default()), scope_(this) {}
+  bool ReadFile(std::u16string_view, std::string*) override { return false; }
+  bool ReadFilePrefix(std::u16string_view, std::size_t, std::string*) override { return false; }
 
  private:
   platform::ScopedEnv scope_;
