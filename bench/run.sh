@@ -5,11 +5,19 @@
 #   bench/run.sh content      50 programs, 500 content files of 1 MiB, side by
 #                             side with `cp -r` + `7za a -tzip` of the project
 #   bench/run.sh scenario     2,000 programs (22,000 contents files), and the
-#                             same with 200 programs for the growth ratio
+#                             same with 200 programs for the growth ratio;
+#                             side by side with `cp -r` of the project +
+#                             `7za a -r -tzip` of the package's own tree
+#   bench/run.sh wayback      -unpackage of the 2,000-program package into an
+#                             existing folder, side by side with one `7za x`
+#                             of the package + `cp -r` of the project it gives
 #   bench/run.sh telop        -check of a project whose telop holds 8 MiB and
 #                             32 MiB of text without a line feed, side by
 #                             side with one decoding of the 32 MiB file
-#   bench/run.sh all          the four in turn
+#   bench/run.sh all          the five in turn
+#
+# BENCH_RUNS=<n> (default 3) times each side-by-side pair n times, the program
+# and its floor in turn, and gives the medians.
 #
 # QV_BIN names the program (default: build/qvConvApp, built by ./qv build).
 # BENCH_DIR is where the projects and packages go (default: a fresh folder
@@ -44,6 +52,18 @@ measure() {
   SECONDS_TAKEN=$(echo "$wall" | awk -F: '{ s = 0; for (i = 1; i <= NF; i++) s = s * 60 + $i; print s }')
   printf '%-40s %8.2f s  %8.1f MiB peak  exit %s\n' "$label" "$SECONDS_TAKEN" \
     "$(echo "$rss" | awk '{ print $1 / 1024 }')" "$code"
+}
+
+RUNS=${BENCH_RUNS:-3}
+
+median() {  # median <numbers...>
+  printf '%s\n' "$@" | sort -g | awk '{ v[NR] = $1 } END {
+    if (NR % 2) print v[(NR + 1) / 2]; else print (v[NR / 2] + v[NR / 2 + 1]) / 2 }'
+}
+
+ratio() {  # ratio <label> <ours> <floor> <target>
+  awk -v l="$1" -v o="$2" -v f="$3" -v t="$4" \
+    'BEGIN { printf "ratio %s = %.2f / %.2f = %.3f (target <= %s)\n", l, o, f, o / f, t }'
 }
 
 package() {  # package <label> <project> <zip>
@@ -81,7 +101,50 @@ bench_scenario() {
   package "qvConvApp -package, 2,000 programs" "$BENCH_DIR/scenario2000" "$BENCH_DIR/s2000.zip"
   local large=$SECONDS_TAKEN
   awk -v s="$small" -v l="$large" \
-    'BEGIN { if (s > 0) printf "growth T(2000) / T(200) = %.2f (target <= 11)\n", l / s }'
+    'BEGIN { if (s > 0) printf "growth T(2000) / T(200) = %.2f (target <= 10.5)\n", l / s }'
+  # The floor: copying the project and packing a tree like the package's own.
+  rm -rf "$BENCH_DIR/own"
+  7za x "$BENCH_DIR/s2000.zip" -o"$BENCH_DIR/own" -y >/dev/null
+  local ours=() floor=() i
+  for ((i = 1; i <= RUNS; i++)); do
+    sync
+    package "qvConvApp -package, 2,000 programs" "$BENCH_DIR/scenario2000" "$BENCH_DIR/s2000.zip"
+    ours+=("$SECONDS_TAKEN")
+    rm -rf "$BENCH_DIR/copy" "$BENCH_DIR/floor.zip"
+    sync
+    measure "cp -r of the project" cp -r "$BENCH_DIR/scenario2000" "$BENCH_DIR/copy"
+    local copy=$SECONDS_TAKEN
+    measure "7za a -r -tzip of the package's tree" \
+      7za a -r -tzip "$BENCH_DIR/floor.zip" "$BENCH_DIR/own/QvFormat"
+    floor+=("$(awk -v c="$copy" -v z="$SECONDS_TAKEN" 'BEGIN { print c + z }')")
+  done
+  rm -rf "$BENCH_DIR/copy" "$BENCH_DIR/own" "$BENCH_DIR/floor.zip"
+  ratio "qvConvApp / (cp + 7za a), medians" "$(median "${ours[@]}")" \
+    "$(median "${floor[@]}")" 1.2
+}
+
+bench_wayback() {
+  echo "== way back: -unpackage of the 2,000-program package into an existing folder"
+  [ -d "$BENCH_DIR/scenario2000" ] ||
+    python3 bench/make_project.py scenario "$BENCH_DIR/scenario2000"
+  [ -f "$BENCH_DIR/s2000.zip" ] ||
+    package "qvConvApp -package, 2,000 programs" "$BENCH_DIR/scenario2000" "$BENCH_DIR/s2000.zip"
+  local ours=() floor=() i
+  for ((i = 1; i <= RUNS; i++)); do
+    rm -rf "$BENCH_DIR/back" "$BENCH_DIR/x" "$BENCH_DIR/copy"
+    mkdir "$BENCH_DIR/back"
+    sync
+    measure "qvConvApp -unpackage" "$QV_BIN" "$BENCH_DIR/s2000.zip" "-unpackage$BENCH_DIR/back"
+    ours+=("$SECONDS_TAKEN")
+    sync
+    measure "7za x of the package" 7za x "$BENCH_DIR/s2000.zip" -o"$BENCH_DIR/x" -y
+    local unzip=$SECONDS_TAKEN
+    measure "cp -r of the project it gives" cp -r "$BENCH_DIR/back" "$BENCH_DIR/copy"
+    floor+=("$(awk -v u="$unzip" -v c="$SECONDS_TAKEN" 'BEGIN { print u + c }')")
+  done
+  rm -rf "$BENCH_DIR/back" "$BENCH_DIR/x" "$BENCH_DIR/copy"
+  ratio "qvConvApp / (7za x + cp), medians" "$(median "${ours[@]}")" \
+    "$(median "${floor[@]}")" 1.3
 }
 
 bench_telop() {
@@ -109,6 +172,7 @@ case "${1:-all}" in
   content) bench_content ;;
   scenario) bench_scenario ;;
   telop) bench_telop ;;
-  all) bench_timetables; bench_content; bench_scenario; bench_telop ;;
-  *) echo "usage: $0 timetables|content|scenario|telop|all" >&2; exit 2 ;;
+  wayback) bench_wayback ;;
+  all) bench_timetables; bench_content; bench_scenario; bench_wayback; bench_telop ;;
+  *) echo "usage: $0 timetables|content|scenario|wayback|telop|all" >&2; exit 2 ;;
 esac

@@ -17,6 +17,10 @@ struct ProcessResult {
 // standard streams on /dev/null.  Waits without a time limit.
 ProcessResult RunProcess(const std::vector<std::u16string>& argv);
 
+// The same, with what the program writes on its standard output read into
+// `output` (replacing what it held) while it runs.
+ProcessResult RunProcess(const std::vector<std::u16string>& argv, std::string& output);
+
 }  // namespace quorvane::platform
 
 #endif  // QV_PLATFORM_PROCESS_H_
