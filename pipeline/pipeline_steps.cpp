@@ -32,7 +32,9 @@ void DeliverTree(const std::u16string& tree, const QvConvRunConfig& config,
     }
   } else {
     try {
-      CopyTree(tree, copy_target);
+      // The tree is the work folder's, removed after the delivery: what can
+      // be moved is not copied.
+      MoveTree(tree, copy_target);
     } catch (const std::exception&) {
       ThrowCode(codes::kCopyFailed);
     }

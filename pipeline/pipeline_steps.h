@@ -16,7 +16,8 @@ enum class ExistingFolder { kFails, kIsFine };
 void MakeFolder(const std::u16string& path, ExistingFolder existing);
 
 // Delivers a finished tree: packed into output_path when output_archive is
-// set (a standard exception is -401), else copied to `copy_target` (-4).
+// set (a standard exception is -401), else moved, or where that cannot be
+// copied, to `copy_target` (-4); the tree is a work tree, removed afterwards.
 void DeliverTree(const std::u16string& tree, const QvConvRunConfig& config,
                  const std::u16string& copy_target);
 

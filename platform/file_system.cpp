@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 
 #include "platform/case_lookup.h"
 #include "platform/ntfs_names.h"
@@ -291,6 +292,15 @@ bool CopyFile(std::u16string_view source, std::u16string_view destination) {
   ::close(in);
   if (::close(out) != 0) ok = false;
   return ok;
+}
+
+bool MoveToNew(std::u16string_view source, std::u16string_view destination) {
+  const SystemPath from(NativePath(source));
+  const bool moved = OnNew(destination, false, [&](const SystemPath& p) {
+    return ::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, p.c_str(), RENAME_NOREPLACE) == 0;
+  });
+  if (moved) NoteGone(from.native());
+  return moved;
 }
 
 bool ReadFile(std::u16string_view path, std::string* bytes) {

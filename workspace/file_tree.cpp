@@ -15,20 +15,44 @@ std::u16string Join(const std::u16string& folder, const std::u16string& name) {
 }
 
 void CopyEntries(const std::u16string& source, const std::u16string& destination,
-                 const std::vector<platform::DirEntry>& entries) {
+                 const std::vector<platform::DirEntry>& entries, bool move) {
   for (const platform::DirEntry& entry : entries) {
     // What Windows could not name is no file there (the stream that a copy
     // of a downloaded file leaves beside it as "name:Zone.Identifier").
     if (!entry.windows_name) continue;
     const std::u16string from = Join(source, entry.name);
     const std::u16string to = Join(destination, entry.name);
+    if (move && platform::MoveToNew(from, to)) continue;
     if (entry.is_directory) {
       platform::MakeDirectory(to);
-      CopyTree(from, to);
+      if (move) {
+        MoveTree(from, to);
+      } else {
+        CopyTree(from, to);
+      }
     } else {
       // One file that does not arrive does not stop the others.
       platform::CopyFile(from, to);
     }
+  }
+}
+
+// A top folder that cannot be listed is copied or moved as one file.
+void CopyOrMoveTree(const std::u16string& source, const std::u16string& destination, bool move) {
+  try {
+    if (!platform::PathExists(source)) return;
+    // Whatever can be listed is a folder (the top one may be a link to one);
+    // anything else is copied as one file.
+    std::vector<platform::DirEntry> entries;
+    if (!platform::ListDirectory(source, &entries)) {
+      if (!move || !platform::MoveToNew(source, destination)) {
+        platform::CopyFile(source, destination);
+      }
+      return;
+    }
+    CopyEntries(source, destination, entries, move);
+  } catch (const std::exception&) {
+    ThrowCode(codes::kCopyFailed);
   }
 }
 
@@ -37,19 +61,11 @@ void CopyEntries(const std::u16string& source, const std::u16string& destination
 bool DeleteTree(const std::u16string& path) { return platform::RemoveTree(path); }
 
 void CopyTree(const std::u16string& source, const std::u16string& destination) {
-  try {
-    if (!platform::PathExists(source)) return;
-    // Whatever can be listed is a folder (the top one may be a link to one);
-    // anything else is copied as one file.
-    std::vector<platform::DirEntry> entries;
-    if (!platform::ListDirectory(source, &entries)) {
-      platform::CopyFile(source, destination);
-      return;
-    }
-    CopyEntries(source, destination, entries);
-  } catch (const std::exception&) {
-    ThrowCode(codes::kCopyFailed);
-  }
+  CopyOrMoveTree(source, destination, false);
+}
+
+void MoveTree(const std::u16string& source, const std::u16string& destination) {
+  CopyOrMoveTree(source, destination, true);
 }
 
 std::vector<std::u16string> ListFiles(const std::u16string& folder) {
