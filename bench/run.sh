@@ -14,7 +14,9 @@
 #   bench/run.sh telop        -check of a project whose telop holds 8 MiB and
 #                             32 MiB of text without a line feed, side by
 #                             side with one decoding of the 32 MiB file
-#   bench/run.sh all          the five in turn
+#   bench/run.sh check        -check of the 2,000-program project without
+#                             telops, side by side with `cat` of its CSV files
+#   bench/run.sh all          the six in turn
 #
 # BENCH_RUNS=<n> (default 3) times each side-by-side pair n times, the program
 # and its floor in turn, and gives the medians.
@@ -167,12 +169,27 @@ bench_telop() {
     if (o > 0) printf "check / one decoding of the file = %.2f\n", l / o }'
 }
 
+bench_check() {
+  echo "== -check of the 2,000-program project without telops (target: at most 1.2 x cat)"
+  python3 bench/make_project.py scenario "$BENCH_DIR/check2000" --no-telop
+  local ours=() floor=() i
+  for ((i = 1; i <= RUNS; i++)); do
+    measure "qvConvApp -check" "$QV_BIN" "$BENCH_DIR/check2000" "-check$BENCH_DIR/check.xml"
+    ours+=("$SECONDS_TAKEN")
+    measure "cat of every CSV file" \
+      sh -c 'find "$1" -name "*.csv" -exec cat {} + >/dev/null' sh "$BENCH_DIR/check2000"
+    floor+=("$SECONDS_TAKEN")
+  done
+  ratio "qvConvApp -check / cat, medians" "$(median "${ours[@]}")" "$(median "${floor[@]}")" 1.2
+}
+
 case "${1:-all}" in
   timetables) bench_timetables ;;
   content) bench_content ;;
   scenario) bench_scenario ;;
   telop) bench_telop ;;
   wayback) bench_wayback ;;
-  all) bench_timetables; bench_content; bench_scenario; bench_wayback; bench_telop ;;
-  *) echo "usage: $0 timetables|content|scenario|wayback|telop|all" >&2; exit 2 ;;
+  check) bench_check ;;
+  all) bench_timetables; bench_content; bench_scenario; bench_wayback; bench_check; bench_telop ;;
+  *) echo "usage: $0 timetables|content|scenario|wayback|check|telop|all" >&2; exit 2 ;;
 esac
