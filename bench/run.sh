@@ -19,7 +19,8 @@
 #   bench/run.sh all          the six in turn
 #
 # BENCH_RUNS=<n> (default 3) times each side-by-side pair n times, the program
-# and its floor in turn, and gives the medians.
+# and its floor in turn, and gives the medians; BENCH_SETTLE=<s> (default 5)
+# is the pause before each timed step of a pair (see settle).
 #
 # QV_BIN names the program (default: build/qvConvApp, built by ./qv build).
 # BENCH_DIR is where the projects and packages go (default: a fresh folder
@@ -72,6 +73,12 @@ ratio() {  # ratio <label> <ours> <floor> <target>
     'BEGIN { printf "ratio %s = %.2f / %.2f = %.3f (target <= %s)\n", l, o, f, o / f, t }'
 }
 
+# Before a timed step: what the step before wrote is on disk, and what it
+# removed is no longer recent.  ext4 passes over inodes freed in the last
+# seconds when it makes a file, so a step that follows a large removal pays
+# for it (a tenth of a millisecond a file and more).
+settle() { sync; sleep "${BENCH_SETTLE:-5}"; }
+
 sum() { awk -v a="$1" -v b="$2" 'BEGIN { print a + b }'; }
 
 package() {  # package <label> <project> <zip>
@@ -115,11 +122,11 @@ bench_scenario() {
   7za x "$BENCH_DIR/s2000.zip" -o"$BENCH_DIR/own" -y >/dev/null
   local ours=() floor=() ours_cpu=() floor_cpu=() i
   for ((i = 1; i <= RUNS; i++)); do
-    sync
+    settle
     package "qvConvApp -package, 2,000 programs" "$BENCH_DIR/scenario2000" "$BENCH_DIR/s2000.zip"
     ours+=("$SECONDS_TAKEN") ours_cpu+=("$CPU_TAKEN")
     rm -rf "$BENCH_DIR/copy" "$BENCH_DIR/floor.zip"
-    sync
+    settle
     measure "cp -r of the project" cp -r "$BENCH_DIR/scenario2000" "$BENCH_DIR/copy"
     local copy=$SECONDS_TAKEN copy_cpu=$CPU_TAKEN
     measure "7za a -r -tzip of the package's tree" \
@@ -143,12 +150,13 @@ bench_wayback() {
   for ((i = 1; i <= RUNS; i++)); do
     rm -rf "$BENCH_DIR/back" "$BENCH_DIR/x" "$BENCH_DIR/copy"
     mkdir "$BENCH_DIR/back"
-    sync
+    settle
     measure "qvConvApp -unpackage" "$QV_BIN" "$BENCH_DIR/s2000.zip" "-unpackage$BENCH_DIR/back"
     ours+=("$SECONDS_TAKEN") ours_cpu+=("$CPU_TAKEN")
-    sync
+    settle
     measure "7za x of the package" 7za x "$BENCH_DIR/s2000.zip" -o"$BENCH_DIR/x" -y
     local unzip=$SECONDS_TAKEN unzip_cpu=$CPU_TAKEN
+    settle
     measure "cp -r of the project it gives" cp -r "$BENCH_DIR/back" "$BENCH_DIR/copy"
     floor+=("$(sum "$unzip" "$SECONDS_TAKEN")") floor_cpu+=("$(sum "$unzip_cpu" "$CPU_TAKEN")")
   done
