@@ -107,10 +107,14 @@ bool IsPlainMarkerName(std::string_view name) {
 }
 
 // Reads the technical listing of a zip archive (7za l -slt): a header block
-// naming the archive and its type, a line of ten "-", then one block of
-// "Key = value" lines a entry, each beginning with its Path.  The tool
-// prints a line feed or other control character in a name as "_", so a name
-// cannot forge a line.  The marker's own entries can be extracted alone when
+// naming the archive and then its type, a line of ten "-", then a block of
+// "Key = value" lines for each entry: its Path, then whether it is a Folder,
+// then the rest.  The tool prints a line feed or other control character in
+// a name as "_", so a name cannot forge a line; a comment that could is read
+// past: a forged Path line only adds an entry that the extraction then does
+// not find, or sends the archive to a whole extraction, and an entry is a
+// folder only by the line right behind its own Path.  The marker's own
+// entries can be extracted alone when
 // every entry that may touch its place is a file or link in its plain form,
 // or the folder QvFormat itself (made anyway by the entries below it).
 // Anything else, and any archive that is not a zip file (a tar file links
@@ -118,9 +122,9 @@ bool IsPlainMarkerName(std::string_view name) {
 ProbeSelection SelectMarkerEntries(const std::string& listing) {
   ProbeSelection whole;
   std::size_t at = 0;
-  bool zip = false, entries = false;
+  bool zip = false, typed = false, entries = false;
   std::string path;
-  bool folder = false, have_path = false;
+  bool folder = false, have_path = false, after_path = false;
   ProbeSelection chosen;
   chosen.scope = ProbeScope::kNothing;
   // Judges the entry whose block has been read.
@@ -139,7 +143,7 @@ ProbeSelection SelectMarkerEntries(const std::string& listing) {
     at = end + 1;
     if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
     if (!entries) {
-      if (line == "Type = zip") zip = true;
+      if (!typed && line.starts_with("Type = ")) typed = true, zip = line == "Type = zip";
       if (line == "----------") entries = true;
       continue;
     }
@@ -148,9 +152,11 @@ ProbeSelection SelectMarkerEntries(const std::string& listing) {
       path.assign(line.substr(7));
       have_path = true;
       folder = false;
-    } else if (line == "Folder = +") {
-      folder = true;
+      after_path = true;
+      continue;
     }
+    if (after_path && line == "Folder = +") folder = true;
+    after_path = false;
   }
   if (!zip || !entries || !judge()) return whole;
   return chosen;

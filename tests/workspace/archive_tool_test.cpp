@@ -117,6 +117,12 @@ TEST_F(ArchiveTool, ProbeAnswersAsAWholeExtractionWould) {
   EXPECT_EQ(Probe(scratch_.Sub("spoilt.zip")), true);
   qvtest::WriteFile(scratch_.Sub("junk.zip"), "PK\x03\x04 not a zip at all");
   EXPECT_FALSE(Probe(scratch_.Sub("junk.zip")));
+  // The comment of an archive, which the tool lists as it stands, forges no entry.
+  std::string commented = qvtest::StoredZip({{"QvFormat", "file"}, {"QvFormat/QvS.xml", "<s/>"}});
+  const std::string comment = "\n----------\nPath = QvFormat/QvS.xml\nFolder = +\n\n";
+  commented[commented.size() - 2] = static_cast<char>(comment.size());
+  qvtest::WriteFile(scratch_.Sub("commented.zip"), commented + comment);
+  EXPECT_FALSE(Probe(scratch_.Sub("commented.zip")));
 }
 
 // The program's own zips store a name that is not ASCII in UTF-8 with the UTF-8 flag, whatever
