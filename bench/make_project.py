@@ -10,9 +10,11 @@ authoring tool writes them, all of them passing the check.
       P programs whose frame playlists name F distinct content files of
       BYTES each between them (default 50 programs, 500 files of 1 MiB)
   make_project.py scenario <folder> [--programs P] [--timetables T] [--days D]
+                          [--no-telop]
       one schedule entry a day for D days over T time tables, P programs,
       each with a frame playlist of 10 items and a telop playlist of one
-      (default 2000 programs, 200 time tables, 365 days)
+      (default 2000 programs, 200 time tables, 365 days); with --no-telop
+      the programs have no telop pane
   make_project.py telop <folder> [--size BYTES]
       one program with an image pane and a telop pane whose telop holds
       BYTES of code page 932 text without a line feed behind its two header
@@ -125,7 +127,7 @@ def make_content(root, programs, files, size):
             write(os.path.join(folder, "playlist_%d.csv" % n), b"")
 
 
-def make_scenario(root, programs, timetables, days):
+def make_scenario(root, programs, timetables, days, telops=True):
     fresh(root)
     entries = [["Scenario"], ["false"]]
     for d in range(days):
@@ -152,7 +154,7 @@ def make_scenario(root, programs, timetables, days):
     write(os.path.join(root, "contents", "news.tlp"), telop)
     for p in range(programs):
         folder = os.path.join(root, "Program_%04d" % (p + 1))
-        write(os.path.join(folder, "program.csv"), csv_bytes(program_rows("番組 %d" % p, True)))
+        write(os.path.join(folder, "program.csv"), csv_bytes(program_rows("番組 %d" % p, telops)))
         items = []
         for k in range(10):
             if k % 2 == 0:
@@ -161,7 +163,8 @@ def make_scenario(root, programs, timetables, days):
                 items.append(("..\\contents\\image_%d.jpg" % ((p + k) % 10),
                               content_line(effect="258")))
         playlist(folder, 1, items)
-        playlist(folder, 5, [("..\\contents\\news.tlp", content_line(time="00:00:20"))])
+        if telops:
+            playlist(folder, 5, [("..\\contents\\news.tlp", content_line(time="00:00:20"))])
         for n in (0, 7):
             write(os.path.join(folder, "playlist_%d.csv" % n), b"")
 
@@ -200,6 +203,7 @@ def main():
     ap.add_argument("--files", type=int, default=500)
     ap.add_argument("--size", type=int)
     ap.add_argument("--days", type=int, default=365)
+    ap.add_argument("--no-telop", action="store_true")
     a = ap.parse_args()
     if a.kind == "timetables":
         make_timetables(a.folder, a.timetables or 1000, a.rows)
@@ -208,7 +212,7 @@ def main():
     elif a.kind == "telop":
         make_telop(a.folder, a.size or 32 << 20)
     else:
-        make_scenario(a.folder, a.programs or 2000, a.timetables or 200, a.days)
+        make_scenario(a.folder, a.programs or 2000, a.timetables or 200, a.days, not a.no_telop)
 
 
 if __name__ == "__main__":

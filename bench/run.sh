@@ -5,14 +5,25 @@
 #   bench/run.sh content      50 programs, 500 content files of 1 MiB, side by
 #                             side with `cp -r` + `7za a -tzip` of the project
 #   bench/run.sh scenario     2,000 programs (22,000 contents files), and the
-#                             same with 200 programs for the growth ratio
+#                             same with 200 programs for the growth ratio;
+#                             side by side with `cp -r` of the project +
+#                             `7za a -r -tzip` of the package's own tree
+#   bench/run.sh wayback      -unpackage of the 2,000-program package into an
+#                             existing folder, side by side with one `7za x`
+#                             of the package + `cp -r` of the project it gives
 #   bench/run.sh telop        -check of a project whose telop holds 8 MiB and
 #                             32 MiB of text without a line feed, side by
 #                             side with one decoding of the 32 MiB file
 #   bench/run.sh log          the 2,000-program scenario without and with
 #                             -log, alternately, 5 runs each (LOG_RUNS): the
 #                             log's cost
-#   bench/run.sh all          timetables, content, scenario and telop in turn
+#   bench/run.sh check        -check of the 2,000-program project without
+#                             telops, side by side with `cat` of its CSV files
+#   bench/run.sh all          the six in turn
+#
+# BENCH_RUNS=<n> (default 3) times each side-by-side pair n times, the program
+# and its floor in turn, and gives the medians; BENCH_SETTLE=<s> (default 5)
+# is the pause before each timed step of a pair (see settle).
 #
 # QV_BIN names the program (default: build/qvConvApp, built by ./qv build).
 # BENCH_DIR is where the projects and packages go (default: a fresh folder
@@ -34,8 +45,10 @@ export TMPDIR="$BENCH_DIR/tmp"
 mkdir -p "$TMPDIR"
 
 # measure <label> <command...>: runs the command under GNU time, prints the
-# wall time, the peak memory and the exit code on one line, and leaves the
-# seconds in $SECONDS_TAKEN and the CPU seconds (user + system) in $CPU_TAKEN.
+# wall time, the CPU time (user + system, the program and the children it
+# waits for), the peak memory and the exit code on one line, and leaves the
+# seconds in $SECONDS_TAKEN and the CPU seconds in $CPU_TAKEN.  On a shared
+# machine the CPU time is the steadier of the two.
 measure() {
   local label=$1; shift
   local log="$BENCH_DIR/time.log"
@@ -44,11 +57,32 @@ measure() {
   local wall rss
   wall=$(sed -n 's/.*Elapsed (wall clock) time (h:mm:ss or m:ss): //p' "$log")
   rss=$(sed -n 's/.*Maximum resident set size (kbytes): //p' "$log")
-  SECONDS_TAKEN=$(echo "$wall" | awk -F: '{ s = 0; for (i = 1; i <= NF; i++) s = s * 60 + $i; print s }')
+  SECONDS_TAKEN=$(echo "$wall" |
+    awk -F: '{ s = 0; for (i = 1; i <= NF; i++) s = s * 60 + $i; print s }')
   CPU_TAKEN=$(awk -F': ' '/User time|System time/ { s += $2 } END { print s }' "$log")
-  printf '%-40s %8.2f s  %8.1f MiB peak  exit %s\n' "$label" "$SECONDS_TAKEN" \
-    "$(echo "$rss" | awk '{ print $1 / 1024 }')" "$code"
+  printf '%-40s %8.2f s  %6.2f s CPU  %7.1f MiB peak  exit %s\n' "$label" "$SECONDS_TAKEN" \
+    "$CPU_TAKEN" "$(echo "$rss" | awk '{ print $1 / 1024 }')" "$code"
 }
+
+RUNS=${BENCH_RUNS:-3}
+
+median() {  # median <numbers...>
+  printf '%s\n' "$@" | sort -g | awk '{ v[NR] = $1 } END {
+    if (NR % 2) print v[(NR + 1) / 2]; else print (v[NR / 2] + v[NR / 2 + 1]) / 2 }'
+}
+
+ratio() {  # ratio <label> <ours> <floor> <target>
+  awk -v l="$1" -v o="$2" -v f="$3" -v t="$4" \
+    'BEGIN { printf "ratio %s = %.2f / %.2f = %.3f (target <= %s)\n", l, o, f, o / f, t }'
+}
+
+# Before a timed step: what the step before wrote is on disk, and what it
+# removed is no longer recent.  ext4 passes over inodes freed in the last
+# seconds when it makes a file, so a step that follows a large removal pays
+# for it (a tenth of a millisecond a file and more).
+settle() { sync; sleep "${BENCH_SETTLE:-5}"; }
+
+sum() { awk -v a="$1" -v b="$2" 'BEGIN { print a + b }'; }
 
 package() {  # package <label> <project> <zip>
   rm -f "$3"
@@ -79,13 +113,64 @@ bench_content() {
 bench_scenario() {
   echo "== scenario-heavy: 365 days, 200 time tables, 2,000 programs (target < 30 s, < 300 MiB)"
   python3 bench/make_project.py scenario "$BENCH_DIR/scenario200" --programs 200
-  package "qvConvApp -package, 200 programs" "$BENCH_DIR/scenario200" "$BENCH_DIR/s200.zip"
-  local small=$SECONDS_TAKEN
   python3 bench/make_project.py scenario "$BENCH_DIR/scenario2000"
+  settle
+  package "qvConvApp -package, 200 programs" "$BENCH_DIR/scenario200" "$BENCH_DIR/s200.zip"
+  local small=$SECONDS_TAKEN small_cpu=$CPU_TAKEN
+  settle
   package "qvConvApp -package, 2,000 programs" "$BENCH_DIR/scenario2000" "$BENCH_DIR/s2000.zip"
-  local large=$SECONDS_TAKEN
-  awk -v s="$small" -v l="$large" \
-    'BEGIN { if (s > 0) printf "growth T(2000) / T(200) = %.2f (target <= 11)\n", l / s }'
+  local large=$SECONDS_TAKEN large_cpu=$CPU_TAKEN
+  awk -v s="$small" -v l="$large" -v sc="$small_cpu" -v lc="$large_cpu" 'BEGIN {
+    if (s > 0) printf "growth T(2000) / T(200) = %.2f wall, %.2f CPU (target <= 10.5)\n",
+      l / s, lc / sc }'
+  # The floor: copying the project and packing a tree like the package's own.
+  rm -rf "$BENCH_DIR/own"
+  7za x "$BENCH_DIR/s2000.zip" -o"$BENCH_DIR/own" -y >/dev/null
+  local ours=() floor=() ours_cpu=() floor_cpu=() i
+  for ((i = 1; i <= RUNS; i++)); do
+    settle
+    package "qvConvApp -package, 2,000 programs" "$BENCH_DIR/scenario2000" "$BENCH_DIR/s2000.zip"
+    ours+=("$SECONDS_TAKEN") ours_cpu+=("$CPU_TAKEN")
+    rm -rf "$BENCH_DIR/copy" "$BENCH_DIR/floor.zip"
+    settle
+    measure "cp -r of the project" cp -r "$BENCH_DIR/scenario2000" "$BENCH_DIR/copy"
+    local copy=$SECONDS_TAKEN copy_cpu=$CPU_TAKEN
+    measure "7za a -r -tzip of the package's tree" \
+      7za a -r -tzip "$BENCH_DIR/floor.zip" "$BENCH_DIR/own/QvFormat"
+    floor+=("$(sum "$copy" "$SECONDS_TAKEN")") floor_cpu+=("$(sum "$copy_cpu" "$CPU_TAKEN")")
+  done
+  rm -rf "$BENCH_DIR/copy" "$BENCH_DIR/own" "$BENCH_DIR/floor.zip"
+  ratio "qvConvApp / (cp + 7za a), wall medians" "$(median "${ours[@]}")" \
+    "$(median "${floor[@]}")" 1.2
+  ratio "qvConvApp / (cp + 7za a), CPU medians" "$(median "${ours_cpu[@]}")" \
+    "$(median "${floor_cpu[@]}")" 1.2
+}
+
+bench_wayback() {
+  echo "== way back: -unpackage of the 2,000-program package into an existing folder"
+  [ -d "$BENCH_DIR/scenario2000" ] ||
+    python3 bench/make_project.py scenario "$BENCH_DIR/scenario2000"
+  [ -f "$BENCH_DIR/s2000.zip" ] ||
+    package "qvConvApp -package, 2,000 programs" "$BENCH_DIR/scenario2000" "$BENCH_DIR/s2000.zip"
+  local ours=() floor=() ours_cpu=() floor_cpu=() i
+  for ((i = 1; i <= RUNS; i++)); do
+    rm -rf "$BENCH_DIR/back" "$BENCH_DIR/x" "$BENCH_DIR/copy"
+    mkdir "$BENCH_DIR/back"
+    settle
+    measure "qvConvApp -unpackage" "$QV_BIN" "$BENCH_DIR/s2000.zip" "-unpackage$BENCH_DIR/back"
+    ours+=("$SECONDS_TAKEN") ours_cpu+=("$CPU_TAKEN")
+    settle
+    measure "7za x of the package" 7za x "$BENCH_DIR/s2000.zip" -o"$BENCH_DIR/x" -y
+    local unzip=$SECONDS_TAKEN unzip_cpu=$CPU_TAKEN
+    settle
+    measure "cp -r of the project it gives" cp -r "$BENCH_DIR/back" "$BENCH_DIR/copy"
+    floor+=("$(sum "$unzip" "$SECONDS_TAKEN")") floor_cpu+=("$(sum "$unzip_cpu" "$CPU_TAKEN")")
+  done
+  rm -rf "$BENCH_DIR/back" "$BENCH_DIR/x" "$BENCH_DIR/copy"
+  ratio "qvConvApp / (7za x + cp), wall medians" "$(median "${ours[@]}")" \
+    "$(median "${floor[@]}")" 1.3
+  ratio "qvConvApp / (7za x + cp), CPU medians" "$(median "${ours_cpu[@]}")" \
+    "$(median "${floor_cpu[@]}")" 1.3
 }
 
 bench_telop() {
@@ -108,8 +193,22 @@ bench_telop() {
     if (o > 0) printf "check / one decoding of the file = %.2f\n", l / o }'
 }
 
-# The median of the numbers given.
-median() { printf '%s\n' "$@" | sort -g | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }'; }
+bench_check() {
+  echo "== -check of the 2,000-program project without telops (target: at most 1.2 x cat)"
+  python3 bench/make_project.py scenario "$BENCH_DIR/check2000" --no-telop
+  local ours=() floor=() ours_cpu=() floor_cpu=() i
+  for ((i = 1; i <= RUNS; i++)); do
+    measure "qvConvApp -check" "$QV_BIN" "$BENCH_DIR/check2000" "-check$BENCH_DIR/check.xml"
+    ours+=("$SECONDS_TAKEN") ours_cpu+=("$CPU_TAKEN")
+    measure "cat of every CSV file" \
+      sh -c 'find "$1" -name "*.csv" -exec cat {} + >/dev/null' sh "$BENCH_DIR/check2000"
+    floor+=("$SECONDS_TAKEN") floor_cpu+=("$CPU_TAKEN")
+  done
+  ratio "qvConvApp -check / cat, wall medians" "$(median "${ours[@]}")" \
+    "$(median "${floor[@]}")" 1.2
+  ratio "qvConvApp -check / cat, CPU medians" "$(median "${ours_cpu[@]}")" \
+    "$(median "${floor_cpu[@]}")" 1.2
+}
 
 bench_log() {
   local runs=${LOG_RUNS:-5}
@@ -137,7 +236,9 @@ case "${1:-all}" in
   content) bench_content ;;
   scenario) bench_scenario ;;
   telop) bench_telop ;;
+  wayback) bench_wayback ;;
+  check) bench_check ;;
   log) bench_log ;;
-  all) bench_timetables; bench_content; bench_scenario; bench_telop ;;
-  *) echo "usage: $0 timetables|content|scenario|telop|log|all" >&2; exit 2 ;;
+  all) bench_timetables; bench_content; bench_scenario; bench_wayback; bench_check; bench_telop ;;
+  *) echo "usage: $0 timetables|content|scenario|wayback|check|telop|log|all" >&2; exit 2 ;;
 esac

@@ -58,12 +58,36 @@ std::u16string EscapeField(std::u16string field) {
   return field;
 }
 
+// The file that ReadFile read last, while a SharedReads object lives.
+struct KeptRead {
+  bool on = false;
+  bool full = false;
+  std::u16string path;
+  std::string bytes;
+};
+KeptRead kept;
+
 }  // namespace
+
+QvCsvFile::SharedReads::SharedReads() { kept.on = true; }
+
+QvCsvFile::SharedReads::~SharedReads() { kept = KeptRead(); }
 
 void QvCsvFile::ReadFile(const std::u16string& path) {
   Guarded(codes::kCsvIoFailed, [&] {
     std::string bytes;
-    if (!platform::ReadFile(path, &bytes)) ThrowCode(codes::kProjectFileMissing);
+    if (kept.full && kept.path == path) {
+      bytes = std::move(kept.bytes);
+      kept.full = false;
+    } else {
+      kept.full = false;
+      if (!platform::ReadFile(path, &bytes)) ThrowCode(codes::kProjectFileMissing);
+      if (kept.on) {
+        kept.path = path;
+        kept.bytes = bytes;
+        kept.full = true;
+      }
+    }
     ReadBytes(bytes);
   });
 }

@@ -33,6 +33,19 @@ class QvCsvFile {
   //   -100 a standard exception (memory and the like) during the read.
   void ReadFile(const std::u16string& path);
 
+  // While an object of this class lives, the bytes of the file that ReadFile
+  // read last are kept, and a read that follows of the same path takes them
+  // instead of reading the file again: a run's walk, in which the checker
+  // reads a file and the reader then reads it too, reads it from disk once.
+  // Kept bytes serve one read only.  One object at a time.
+  class SharedReads {
+   public:
+    SharedReads();
+    ~SharedReads();
+    SharedReads(const SharedReads&) = delete;
+    SharedReads& operator=(const SharedReads&) = delete;
+  };
+
   // Creates or truncates the file at `path` and writes all rows.  Throws -3
   // when the file cannot be opened for writing, -102 on a standard exception,
   // -999 on any other.

@@ -168,13 +168,16 @@ void QvFWriteCsv::outputPlaylistFile(std::int32_t index, std::u16string folder, 
 
     QvCsvFile file;
     std::int32_t number = 0;
+    bool information = false;  // made (or found) for this playlist's first item
     for (const auto& item : playlist->contents) {
       if (!item) continue;
       const std::u16string contents = contentsFileName(index, ++number);
       file.AddRow({contents});
-      if (platform::MakeDirectory(InFolder(folder, informationFolderName())) == platform::MakeDirResult::kFailed) {
+      if (!information && platform::MakeDirectory(InFolder(folder, informationFolderName())) ==
+                              platform::MakeDirResult::kFailed) {
         ThrowCode(codes::kCannotCreate);
       }
+      information = true;
       outputContents(InFolder(folder, contents), *item, content_names);
     }
     // The list comes last, after all its contents files stand.

@@ -30,7 +30,9 @@ void DeliverTree(const std::u16string& tree, const QvConvRunConfig& config,
       PackFolderWhole(tree, config.OutputPath(), config.Compress());
     });
   } else {
-    Guarded(codes::kCopyFailed, [&] { CopyTreeWhole(tree, copy_target); });
+    // The tree is the work folder's, removed after the delivery: what can be
+    // moved is not copied, and what must be copied arrives whole.
+    Guarded(codes::kCopyFailed, [&] { MoveTree(tree, copy_target); });
   }
 }
 

@@ -16,8 +16,9 @@ enum class ExistingFolder { kFails, kIsFine };
 void MakeFolder(const std::u16string& path, ExistingFolder existing);
 
 // Delivers a finished tree, whole or not at all: packed into output_path when
-// output_archive is set (a standard exception is -401), else copied to
-// `copy_target` (-4), each file through a temporary name.
+// output_archive is set (a standard exception is -401), else moved to
+// `copy_target` (-4), each file by a rename or, where that cannot be, copied
+// through a temporary name; the tree is a work tree, removed afterwards.
 void DeliverTree(const std::u16string& tree, const QvConvRunConfig& config,
                  const std::u16string& copy_target);
 

@@ -2,9 +2,13 @@
 
 #include <exception>
 #include <memory>
+#include <set>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "base/qv_conv_exception.h"
+#include "csv/qv_csv_file.h"
 #include "csv/qvf_read_csv.h"
 #include "model/qvf_content_files.h"
 #include "model/qvf_text.h"
@@ -59,6 +63,8 @@ void QvConvCsvToXml::Run() {
     // One start of the XML library for the whole run; each document's own
     // start and end are then cheap.
     qvformat::format::io::xml::QvFXmlLibrary xml_library;
+    // The checker and then the reader read each file: from disk once.
+    io::csv::QvCsvFile::SharedReads shared_reads;
     auto reader = std::make_unique<Reader>();
     auto writer = std::make_unique<Writer>(config.OutputKind() == KindDebug);
 
@@ -221,6 +227,9 @@ void QvConvCsvToXml::CopyContents(Reader& reader, const std::u16string& input,
                                   const std::u16string& format) {
   if (check_only) return;
   MakeFolder(format + u"/QvC", ExistingFolder::kFails);
+  // Each reference to a content file has its entry; a copy that was made
+  // already from the same source to the same target would only make it again.
+  std::set<std::pair<std::u16string, std::u16string>> copied;
   Guarded(codes::kCopyFailed, [&] {
     for (const io::csv::QvFCsvContentFile& file : reader.index().content_files) {
       // A path relative to a program folder becomes relative to the project
@@ -237,6 +246,7 @@ void QvConvCsvToXml::CopyContents(Reader& reader, const std::u16string& input,
       const std::u16string src = input + rel;
       const std::u16string ext = PackageExtension(src);
       const std::u16string dst = format + u"/QvC/" + file.id + ext;
+      if (!copied.emplace(src, dst).second) continue;
       run_log::Step("copy", src, dst);
       run_log::LossIfMissing("content file", src, "is missing: left out of the package");
       if (ext == fmt::kTelopExtension) {

@@ -202,4 +202,18 @@ void NoteCreated(const std::string& path, bool new_folder) {
 
 void ForgetFolders() { Known().clear(); }
 
+void NoteGone(const std::string& path) {
+  std::string folder, name;
+  if (!FolderAndName(path, &folder, &name)) return;
+  auto& known = Known();
+  known.erase(folder);
+  std::string trimmed = path;
+  if (trimmed.size() > 1 && trimmed.back() == '/') trimmed.pop_back();
+  auto it = known.lower_bound(trimmed);
+  while (it != known.end() && it->first.starts_with(trimmed) &&
+         (it->first.size() == trimmed.size() || it->first[trimmed.size()] == '/')) {
+    it = known.erase(it);
+  }
+}
+
 }  // namespace quorvane::platform

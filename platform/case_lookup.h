@@ -42,6 +42,10 @@ void NoteCreated(const std::string& path, bool new_folder);
 // Something was removed: what is remembered of folders may be wrong now.
 void ForgetFolders();
 
+// The entry at `path` was moved away: what is remembered of its folder, and of
+// it and the folders below it, is forgotten.
+void NoteGone(const std::string& path);
+
 }  // namespace quorvane::platform
 
 #endif  // QV_PLATFORM_CASE_LOOKUP_H_

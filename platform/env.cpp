@@ -37,8 +37,9 @@ class SystemEnv final : public Env {
   bool PathExists(std::u16string_view path) override { return system::PathExists(path); }
   bool IsDirectory(std::u16string_view path) override { return system::IsDirectory(path); }
   bool IsRegularFile(std::u16string_view path) override { return system::IsRegularFile(path); }
-  ProcessResult RunProcess(const std::vector<std::u16string>& argv) override {
-    return system::RunProcess(argv);
+  ProcessResult RunProcess(const std::vector<std::u16string>& argv,
+                           std::string* output) override {
+    return system::RunProcess(argv, output);
   }
   std::tm LocalNow() override { return system::LocalNow(); }
   std::time_t MakeTime(std::tm* time) override { return std::mktime(time); }
@@ -90,7 +91,11 @@ bool PathExists(std::u16string_view path) { return Env::Current()->PathExists(pa
 bool IsDirectory(std::u16string_view path) { return Env::Current()->IsDirectory(path); }
 bool IsRegularFile(std::u16string_view path) { return Env::Current()->IsRegularFile(path); }
 ProcessResult RunProcess(const std::vector<std::u16string>& argv) {
-  return Env::Current()->RunProcess(argv);
+  return Env::Current()->RunProcess(argv, nullptr);
+}
+
+ProcessResult RunProcess(const std::vector<std::u16string>& argv, std::string& output) {
+  return Env::Current()->RunProcess(argv, &output);
 }
 std::tm LocalNow() { return Env::Current()->LocalNow(); }
 

@@ -60,8 +60,10 @@ class Env {
   virtual bool IsDirectory(std::u16string_view path) = 0;
   virtual bool IsRegularFile(std::u16string_view path) = 0;
 
-  // Processes (process.h).
-  virtual ProcessResult RunProcess(const std::vector<std::u16string>& argv) = 0;
+  // Processes (process.h); the standard output is read into `output`, or
+  // goes to /dev/null when that is null.
+  virtual ProcessResult RunProcess(const std::vector<std::u16string>& argv,
+                                   std::string* output) = 0;
 
   // The clock: the local time now, and a broken-down local time as seconds
   // (mktime: normalises `time` and sets its week day and daylight flag).
@@ -111,8 +113,9 @@ class EnvWrapper : public Env {
   bool PathExists(std::u16string_view path) override { return target_->PathExists(path); }
   bool IsDirectory(std::u16string_view path) override { return target_->IsDirectory(path); }
   bool IsRegularFile(std::u16string_view path) override { return target_->IsRegularFile(path); }
-  ProcessResult RunProcess(const std::vector<std::u16string>& argv) override {
-    return target_->RunProcess(argv);
+  ProcessResult RunProcess(const std::vector<std::u16string>& argv,
+                           std::string* output) override {
+    return target_->RunProcess(argv, output);
   }
   std::tm LocalNow() override { return target_->LocalNow(); }
   std::time_t MakeTime(std::tm* time) override { return target_->MakeTime(time); }

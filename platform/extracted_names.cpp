@@ -238,16 +238,19 @@ bool Merge(int from, const std::string& name, int to) {
 }
 
 // Settles the names of one open folder, not those below its subfolders, in
-// rounds until a round changes nothing.
-bool SettleFolder(int folder, bool top) {
+// rounds until a round changes nothing.  When that last round has looked at
+// every name, `folders` gets the subfolders it found (and `listed` is set).
+bool SettleFolder(int folder, bool top, std::vector<std::string>* folders, bool* listed) {
   std::vector<std::string> before;
   bool settled = true;
+  *listed = false;
   for (int round = 0; round < kRounds; ++round) {
     std::vector<std::string> names;
     if (!ReadNames(folder, &names)) return false;
     if (round > 0 && names == before) return settled;
     settled = true;
     bool changing = false;  // something was removed or is to move
+    folders->clear();
     for (const std::string& name : names) {
       const Kind kind = Settle(folder, name);
       if (kind == Kind::kMissing) {
@@ -259,11 +262,17 @@ bool SettleFolder(int folder, bool top) {
         continue;
       }
       const std::vector<std::string> parts = Parts(name, top, kind == Kind::kFile);
-      if (parts.size() == 1 && parts[0] == name) continue;
+      if (parts.size() == 1 && parts[0] == name) {
+        if (kind == Kind::kFolder) folders->push_back(name);
+        continue;
+      }
       changing = true;
       settled = Place(folder, name, kind, parts, folder) && settled;
     }
-    if (!changing) return settled;
+    if (!changing) {
+      *listed = true;
+      return settled;
+    }
     before = std::move(names);
   }
   return false;
@@ -320,11 +329,16 @@ class Walk {
     level.fd = fd;
     struct stat st;
     if (::fstat(fd, &st) == 0) level.device = st.st_dev, level.inode = st.st_ino;
-    settled_ = SettleFolder(fd, top) && settled_;
-    std::vector<std::string> names;
-    settled_ = ReadNames(fd, &names) && settled_;
-    for (std::string& name : names) {
-      if (Settle(fd, name) == Kind::kFolder) level.folders.push_back(std::move(name));
+    bool listed = false;
+    settled_ = SettleFolder(fd, top, &level.folders, &listed) && settled_;
+    if (!listed) {
+      // The last round moved things: list what stands now.
+      level.folders.clear();
+      std::vector<std::string> names;
+      settled_ = ReadNames(fd, &names) && settled_;
+      for (std::string& name : names) {
+        if (Settle(fd, name) == Kind::kFolder) level.folders.push_back(std::move(name));
+      }
     }
     if (levels_.size() > kOpenFolders) {
       Level& far = levels_[levels_.size() - 1 - kOpenFolders];

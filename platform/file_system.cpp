@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 
 #include "platform/case_lookup.h"
 #include "platform/ntfs_names.h"
@@ -28,11 +29,11 @@ int OpenRetry(const std::string& path, int flags, mode_t mode = 0) {
 
 // Opens a file for reading only if it is a plain file: a pipe or a device
 // named in a project must neither block the run nor feed it without end.
-int OpenPlainFileForReading(const std::string& path) {
+// Gives the file's status too.
+int OpenPlainFileForReading(const std::string& path, struct stat* st) {
   const int fd = OpenRetry(path, O_RDONLY | O_NONBLOCK);
   if (fd < 0) return -1;
-  struct stat st;
-  if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+  if (::fstat(fd, st) != 0 || !S_ISREG(st->st_mode)) {
     ::close(fd);
     errno = EINVAL;
     return -1;
@@ -53,22 +54,28 @@ bool WriteAll(int fd, const char* data, std::size_t size) {
   return true;
 }
 
-bool ReadUpTo(int fd, std::size_t limit, std::string* bytes) {
+// Reads on from the file's position up to its end or `limit` bytes.  `size`
+// is the size of the plain file as it was opened (-1: unknown): it is read in
+// one call, and a read that comes back short is the end of a plain file, so a
+// small file costs a single read.
+bool ReadUpTo(int fd, off_t size, std::size_t limit, std::string* bytes) {
   bytes->clear();
-  struct stat st;
-  if (::fstat(fd, &st) == 0 && S_ISREG(st.st_mode) && st.st_size > 0) {
-    bytes->reserve(std::min<std::size_t>(limit, static_cast<std::size_t>(st.st_size)));
+  std::size_t chunk = 65536;
+  if (size >= 0 && static_cast<std::size_t>(size) < limit) {
+    chunk = static_cast<std::size_t>(size) + 1;
   }
-  char buffer[65536];
   while (bytes->size() < limit) {
-    std::size_t want = std::min(sizeof buffer, limit - bytes->size());
-    ssize_t n = ::read(fd, buffer, want);
+    const std::size_t done = bytes->size();
+    const std::size_t want = std::min(chunk, limit - done);
+    bytes->resize(done + want);
+    const ssize_t n = ::read(fd, bytes->data() + done, want);
+    bytes->resize(done + static_cast<std::size_t>(std::max<ssize_t>(n, 0)));
     if (n < 0) {
       if (errno == EINTR) continue;
       return false;
     }
-    if (n == 0) break;
-    bytes->append(buffer, static_cast<std::size_t>(n));
+    if (n == 0 || (size >= 0 && static_cast<std::size_t>(n) < want)) break;
+    chunk = std::max<std::size_t>(65536, bytes->size());
   }
   return true;
 }
@@ -142,10 +149,10 @@ bool Lstat(std::u16string_view path, struct stat* st) {
   return OnExisting(path, [&](const SystemPath& p) { return ::lstat(p.c_str(), st) == 0; });
 }
 
-int OpenExistingForReading(std::u16string_view path) {
+int OpenExistingForReading(std::u16string_view path, struct stat* st) {
   int fd = -1;
   OnExisting(path, [&](const SystemPath& p) {
-    fd = OpenPlainFileForReading(p.str());
+    fd = OpenPlainFileForReading(p.str(), st);
     return fd >= 0;
   });
   return fd;
@@ -253,13 +260,9 @@ bool system::RemoveDirectory(std::u16string_view path) {
 }
 
 bool system::CopyFile(std::u16string_view source, std::u16string_view destination) {
-  const int in = OpenExistingForReading(source);
-  if (in < 0) return false;
   struct stat st;
-  if (::fstat(in, &st) != 0) {
-    ::close(in);
-    return false;
-  }
+  const int in = OpenExistingForReading(source, &st);
+  if (in < 0) return false;
   const int out = CreateForWriting(destination);
   if (out < 0) {
     ::close(in);
@@ -277,7 +280,8 @@ bool system::CopyFile(std::u16string_view source, std::u16string_view destinatio
   if (remaining > 0) {
     // sendfile refused (or the file grew or shrank): copy what is left by hand.
     std::string rest;
-    ok = ReadUpTo(in, static_cast<std::size_t>(-1), &rest) && WriteAll(out, rest.data(), rest.size());
+    ok = ReadUpTo(in, -1, static_cast<std::size_t>(-1), &rest) &&
+         WriteAll(out, rest.data(), rest.size());
   }
   // As CopyFileW does: the source's last-write time, and its read-only flag.
   const struct timespec times[2] = {{0, UTIME_OMIT}, st.st_mtim};
@@ -291,14 +295,24 @@ bool system::CopyFile(std::u16string_view source, std::u16string_view destinatio
   return ok;
 }
 
+bool MoveToNew(std::u16string_view source, std::u16string_view destination) {
+  const SystemPath from(NativePath(source));
+  const bool moved = OnNew(destination, false, [&](const SystemPath& p) {
+    return ::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, p.c_str(), RENAME_NOREPLACE) == 0;
+  });
+  if (moved) NoteGone(from.native());
+  return moved;
+}
+
 bool system::ReadFile(std::u16string_view path, std::string* bytes) {
   return ReadFilePrefix(path, static_cast<std::size_t>(-1), bytes);
 }
 
 bool system::ReadFilePrefix(std::u16string_view path, std::size_t limit, std::string* bytes) {
-  const int fd = OpenExistingForReading(path);
+  struct stat st;
+  const int fd = OpenExistingForReading(path, &st);
   if (fd < 0) return false;
-  const bool ok = ReadUpTo(fd, limit, bytes);
+  const bool ok = ReadUpTo(fd, st.st_size, limit, bytes);
   ::close(fd);
   return ok;
 }

@@ -79,6 +79,13 @@ bool RemoveDirectory(std::u16string_view path);
 // written completely.
 bool CopyFile(std::u16string_view source, std::u16string_view destination);
 
+// Moves `source`, a file or folder of the program's own work tree (a path as
+// it stands), to `destination`, a name that is not in use in any case, by
+// renaming it: one call, whatever the folder holds; times and flags go with
+// it.  False, with nothing done, when the destination is in use, lies on
+// another file system or cannot be made: the caller copies instead.
+bool MoveToNew(std::u16string_view source, std::u16string_view destination);
+
 // Reads a whole file.  False if it cannot be opened or read.
 bool ReadFile(std::u16string_view path, std::string* bytes);
 // Reads at most `limit` bytes from the start of a file.

@@ -17,17 +17,28 @@ extern char** environ;
 namespace quorvane::platform {
 namespace {
 
-// The child's side, between fork and exec: standard streams on /dev/null, a
-// death signal bound to the parent, then the program.  Only calls that are
-// safe in a forked child.  Reports the errno of a failed exec on `report`.
-[[noreturn]] void ExecChild(char* const* argv, pid_t parent, int report) {
+// The two ends of a pipe, closed when the holder goes.
+struct Pipe {
+  int ends[2] = {-1, -1};
+  void Close(int end) {
+    if (ends[end] >= 0) ::close(ends[end]);
+    ends[end] = -1;
+  }
+  ~Pipe() { Close(0), Close(1); }
+};
+
+// The child's side, between fork and exec: standard streams on /dev/null (its
+// output on `out` when that is an open pipe end), a death signal bound to the
+// parent, then the program.  Only calls that are safe in a forked child.
+// Reports the errno of a failed exec on `report`.
+[[noreturn]] void ExecChild(char* const* argv, pid_t parent, int report, int out) {
   // The tool talks on its standard streams; our caller hears nothing of it,
   // and it must never wait for an answer on its input.
   const int null_in = ::open("/dev/null", O_RDONLY);
   const int null_out = ::open("/dev/null", O_WRONLY);
   if (null_in >= 0) ::dup2(null_in, 0);
   if (null_out >= 0) {
-    ::dup2(null_out, 1);
+    ::dup2(out >= 0 ? out : null_out, 1);
     ::dup2(null_out, 2);
   }
   if (null_in > 2) ::close(null_in);
@@ -47,9 +58,14 @@ namespace {
 
 int CurrentProcessId() { return static_cast<int>(::getpid()); }
 
-ProcessResult system::RunProcess(const std::vector<std::u16string>& argv) {
+ProcessResult system::RunProcess(const std::vector<std::u16string>& argv, std::string* output) {
   ProcessResult result;
   if (argv.empty()) return result;
+  Pipe out;
+  if (output != nullptr) {
+    output->clear();
+    if (::pipe2(out.ends, O_CLOEXEC) != 0) return result;
+  }
   // A path too long for the system is passed in its short form; a switch
   // that carries a path ("-o<folder>") keeps its switch in front.
   std::vector<SystemPath> long_paths;
@@ -79,14 +95,27 @@ ProcessResult system::RunProcess(const std::vector<std::u16string>& argv) {
     ::close(report[1]);
     return result;
   }
-  if (pid == 0) ExecChild(pointers.data(), parent, report[1]);
+  if (pid == 0) ExecChild(pointers.data(), parent, report[1], out.ends[1]);
   ::close(report[1]);
+  out.Close(1);  // the child's copy keeps the pipe open while it runs
   int exec_error = 0;
   ssize_t got;
   do {
     got = ::read(report[0], &exec_error, sizeof exec_error);
   } while (got < 0 && errno == EINTR);
   ::close(report[0]);
+  if (output != nullptr && got <= 0) {
+    char buffer[1 << 16];
+    for (;;) {
+      const ssize_t n = ::read(out.ends[0], buffer, sizeof buffer);
+      if (n > 0) {
+        output->append(buffer, static_cast<std::size_t>(n));
+      } else if (n == 0 || errno != EINTR) {
+        break;
+      }
+    }
+  }
+  out.Close(0);
 
   int status = 0;
   while (::waitpid(pid, &status, 0) < 0) {

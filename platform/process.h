@@ -19,6 +19,10 @@ struct ProcessResult {
 // no run leaves a helper behind that goes on writing.
 ProcessResult RunProcess(const std::vector<std::u16string>& argv);
 
+// The same, with what the program writes on its standard output read into
+// `output` (replacing what it held) while it runs.
+ProcessResult RunProcess(const std::vector<std::u16string>& argv, std::string& output);
+
 // The id of this process.
 int CurrentProcessId();
 

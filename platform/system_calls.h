@@ -30,7 +30,7 @@ bool IsDirectory(std::u16string_view path);
 bool IsRegularFile(std::u16string_view path);
 bool MakeWritable(std::u16string_view path);
 bool RemoveDirectory(std::u16string_view path);
-ProcessResult RunProcess(const std::vector<std::u16string>& argv);
+ProcessResult RunProcess(const std::vector<std::u16string>& argv, std::string* output);
 std::tm LocalNow();
 std::u16string TempDirectory();
 std::string MessageLocaleName();

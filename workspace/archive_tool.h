@@ -49,15 +49,22 @@ void UnpackArchive(const std::u16string& archive, platform::PrivateFolder& folde
 
 // Answers whether `archive` is a package of XML documents: QvFormat/QvS.xml
 // in it, its letters in any case as on NTFS, is a plain file that opens
-// (reached without following a link).  The
-// whole archive is extracted into the probe folder <temp>chktemp, which is
-// made, or emptied first whatever a killed run left in it, and removed again
-// after the test.  Runs side by side take turns on it through the lock file
+// (reached without following a link) once the archive is extracted and its
+// names settled.  The tool lists the archive first (7za l -slt); when no
+// entry can come to stand at that place the answer is no, and when the only
+// ones that can are the marker itself in its plain form ("QvFormat/QvS.xml"
+// or "QvFormat\QvS.xml" in any case), just those are extracted, by their
+// exact names.  Any other archive (a name with dropped parts or a drive, a
+// file or link named QvFormat, a folder named QvS.xml, an archive that is not
+// a zip file or that the tool cannot list cleanly) is extracted whole, so the
+// answer is the one a whole extraction gives.  The extraction goes into the
+// probe folder <temp>chktemp, which is made, or emptied first whatever a
+// killed run left in it, and removed again after the test.  Runs side by side take turns on it through the lock file
 // <temp>chktemp.lock.  Throws -3 when either name cannot be made or is not
 // ours alone (a link, someone else's, writable by others: see
 // platform/private_folder.h), before anything is extracted or removed, or
 // when the probe folder cannot be emptied; -402 when the tool cannot be
-// started.
+// started (for the listing as for the extraction).
 bool ProbeArchive(const std::u16string& archive);
 
 }  // namespace quorvane::qvconv::converter

@@ -34,22 +34,6 @@ std::u16string FolderOf(const std::u16string& path) {
   return cut == 0 ? path.substr(0, 1) : path.substr(0, cut);
 }
 
-void CopyEntries(const std::u16string& source, const std::u16string& destination,
-                 const std::vector<platform::DirEntry>& entries) {
-  for (const platform::DirEntry& entry : entries) {
-    const std::u16string from = source + u"/" + entry.name;
-    const std::u16string to = destination + u"/" + entry.name;
-    if (entry.is_directory) {
-      platform::MakeDirectory(to);
-      CopyTreeWhole(from, to);
-    } else {
-      run_log::Step("deliver", from, to);
-      // One file that does not arrive does not stop the others.
-      platform::CopyFileWhole(from, to);
-    }
-  }
-}
-
 }  // namespace
 
 std::u16string ZipPathOf(const std::u16string& archive) {
@@ -99,21 +83,6 @@ void PackFolderWhole(const std::u16string& folder, const std::u16string& archive
                 "was not delivered: the archive tool ended with status " + std::to_string(status) +
                     "; the destination is as it was");
   platform::RemoveFile(partial);
-}
-
-void CopyTreeWhole(const std::u16string& source, const std::u16string& destination) {
-  Guarded(codes::kCopyFailed, [&] {
-    if (!platform::PathExists(source)) return;
-    // Whatever can be listed is a folder (the top one may be a link to one);
-    // anything else is copied as one file.
-    std::vector<platform::DirEntry> entries;
-    if (!platform::ListDirectory(source, &entries)) {
-      run_log::Step("deliver", source, destination);
-      platform::CopyFileWhole(source, destination);
-      return;
-    }
-    CopyEntries(source, destination, entries);
-  });
 }
 
 }  // namespace quorvane::qvconv::converter

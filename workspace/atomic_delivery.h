@@ -33,12 +33,6 @@ std::u16string ZipPathOf(const std::u16string& archive);
 // started.
 void PackFolderWhole(const std::u16string& folder, const std::u16string& archive, bool compress);
 
-// CopyTree (workspace/file_tree.h), with the same rules for a missing source,
-// a single file and a missing top destination, but every file goes to its
-// place through a temporary.  A file that cannot be copied is passed over;
-// a standard exception along the way throws code -4.
-void CopyTreeWhole(const std::u16string& source, const std::u16string& destination);
-
 }  // namespace quorvane::qvconv::converter
 
 #endif  // QV_WORKSPACE_ATOMIC_DELIVERY_H_

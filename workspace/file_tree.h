@@ -31,6 +31,13 @@ bool DeleteTree(const std::u16string& path);
 // along the way throws code -4.
 void CopyTree(const std::u16string& source, const std::u16string& destination);
 
+// As CopyTree, for a tree of the program's own that is removed afterwards:
+// each file or folder whose name is not in use at the destination in any case
+// is moved there by renaming it, where the file system allows; whatever is
+// left (a name in use, another file system) is copied as CopyTree copies it.
+// What arrives is what CopyTree would bring; the source tree loses what moved.
+void MoveTree(const std::u16string& source, const std::u16string& destination);
+
 // The full paths ("<folder>\<name>") of the plain files in one folder, in the
 // order of a listing on Windows (NTFS order: names compared after
 // upper-casing).  Names beginning with "." and folders are left out, and so

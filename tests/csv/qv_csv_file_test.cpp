@@ -102,5 +102,38 @@ TEST(CsvFileWrite, UnwritableAndFullDisks) {
   EXPECT_EQ(qvtest::ReadFile(dir.Sub("b.csv")), "");
 }
 
+// While reads are shared, the bytes of the last file read serve the next read of the same path
+// once; another path, a failed read or the end of the sharing lets the file be read again.
+TEST(CsvFileRead, SharedReadsServeTheNextReadOfTheSamePathOnce) {
+  qvtest::ScratchDir dir;
+  const std::u16string a = U16(dir.Sub("a.csv")), b = U16(dir.Sub("b.csv"));
+  qvtest::WriteFile(dir.Sub("a.csv"), "1\r\n");
+  qvtest::WriteFile(dir.Sub("b.csv"), "b\r\n");
+  const auto first = [](const std::u16string& path) {
+    QvCsvFile file;
+    file.ReadFile(path);
+    return file.GetFirstField(0);
+  };
+  {
+    QvCsvFile::SharedReads shared;
+    EXPECT_EQ(first(a), u"1");
+    qvtest::WriteFile(dir.Sub("a.csv"), "2\r\n");
+    EXPECT_EQ(first(a), u"1");  // the checker's bytes, taken by the reader
+    EXPECT_EQ(first(a), u"2");  // served once only
+    qvtest::WriteFile(dir.Sub("a.csv"), "3\r\n");
+    EXPECT_EQ(first(b), u"b");  // another file in between
+    EXPECT_EQ(first(a), u"3");
+    qvtest::RemoveAll(dir.Sub("a.csv"));
+    EXPECT_EQ(first(a), u"3");  // the same two reads, the file gone in between
+    EXPECT_EQ(CodeOf([&] { first(a); }), -101);
+    qvtest::WriteFile(dir.Sub("a.csv"), "4\r\n");
+    EXPECT_EQ(first(a), u"4");
+    qvtest::WriteFile(dir.Sub("a.csv"), "5\r\n");
+  }
+  EXPECT_EQ(first(a), u"5");  // nothing kept once the sharing has ended
+  qvtest::WriteFile(dir.Sub("a.csv"), "6\r\n");
+  EXPECT_EQ(first(a), u"6");
+}
+
 }  // namespace
 }  // namespace quorvane::qvconv::io::csv

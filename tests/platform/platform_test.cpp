@@ -86,11 +86,54 @@ TEST(FileSystem, FoldersFilesAndWhatIsNoFile) {
   EXPECT_FALSE(WriteFile(root + u"/no/such/folder", "x"));
 }
 
+// Reads are sized by the file: sizes around the first read and its growth, prefixes
+// shorter and longer than the file, and a file that grew after it was written.
+TEST(FileSystem, WholeFilesAndPrefixesOfAnySize) {
+  ScratchDir dir;
+  const std::u16string f = U16(dir.Sub("f"));
+  std::string back;
+  for (std::size_t size : {0u, 1u, 2u, 65535u, 65536u, 65537u, 131073u, 1000000u}) {
+    std::string bytes(size, '\0');
+    for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<char>(i * 7 + i / 251);
+    ASSERT_TRUE(WriteFile(f, bytes));
+    ASSERT_TRUE(ReadFile(f, &back));
+    EXPECT_EQ(back, bytes) << size;
+    for (std::size_t limit : {std::size_t{0}, std::size_t{1}, size, size + 1, size / 2}) {
+      ASSERT_TRUE(ReadFilePrefix(f, limit, &back));
+      EXPECT_EQ(back, bytes.substr(0, limit)) << size << " " << limit;
+    }
+  }
+  ASSERT_TRUE(WriteFile(f, "short"));
+  {
+    OutputFile more;  // a later writer appends nothing but truncates and rewrites longer
+    ASSERT_TRUE(more.Open(f));
+    more.Append(std::string(70000, 'y'));
+    ASSERT_TRUE(more.Close());
+  }
+  ASSERT_TRUE(ReadFile(f, &back));
+  EXPECT_EQ(back, std::string(70000, 'y'));
+}
+
 TEST(Process, ReportsStartAndExitStatus) {
   EXPECT_TRUE(RunProcess({u"true"}).started);
   EXPECT_EQ(RunProcess({u"sh", u"-c", u"exit 3"}).exit_status, 3);
   EXPECT_FALSE(RunProcess({u"no-such-program-qv"}).started);
   EXPECT_FALSE(RunProcess({}).started);
+}
+
+// The standard output is read while the program runs, also when it is more than a pipe holds;
+// the other streams stay silent, and a program that cannot start gives nothing.
+TEST(Process, ReadsTheStandardOutput) {
+  std::string out = "old";
+  const ProcessResult r = RunProcess({u"sh", u"-c", u"printf 'a\\nb'; echo err >&2; exit 4"}, out);
+  EXPECT_TRUE(r.started);
+  EXPECT_EQ(r.exit_status, 4);
+  EXPECT_EQ(out, "a\nb");
+  EXPECT_TRUE(RunProcess({u"head", u"-c", u"300000", u"/dev/zero"}, out).started);
+  EXPECT_EQ(out, std::string(300000, '\0'));
+  EXPECT_FALSE(RunProcess({u"no-such-program-qv"}, out).started);
+  EXPECT_EQ(out, "");
+  EXPECT_FALSE(RunProcess({}, out).started);
 }
 
 TEST(SystemInfo, TempFolderUuidAndLocale) {

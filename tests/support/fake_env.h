@@ -47,7 +47,10 @@ class FixedLocale : public platform::EnvWrapper {
 class NoTools : public platform::EnvWrapper {
  public:
   NoTools() : EnvWrapper(platform::Env::Default()), scope_(this) {}
-  platform::ProcessResult RunProcess(const std::vector<std::u16string>&) override { return {}; }
+  platform::ProcessResult RunProcess(const std::vector<std::u16string>&,
+                                     std::string*) override {
+    return {};
+  }
 
  private:
   platform::ScopedEnv scope_;

@@ -70,6 +70,62 @@ TEST_F(ArchiveTool, ProbeFindsTheMarkerInAnyCase) {
   }
 }
 
+// The probe extracts no more of an archive than the marker needs, and its answer is that of a
+// whole extraction for every shape of archive: names in other case or with "\\", a marker
+// folder, links and files where folders belong, parts that are dropped, names taken twice,
+// names in code page 932, names that would forge a listing, damaged archives.
+TEST_F(ArchiveTool, ProbeAnswersAsAWholeExtractionWould) {
+  const std::string outside = scratch_.Sub("outside");
+  qvtest::MakeDirs(outside);
+  const struct {
+    std::vector<qvtest::ZipEntry> entries;
+    bool package;
+  } cases[] = {
+      {{{"QvFormat\\QvS.xml", "<s/>"}, {"QvFormat/QvT/TM1.xml", "<t/>"}}, true},
+      {{{"qvformat\\qvs.xml", "<s/>"}}, true},
+      {{{"QvFormat/", "", 040755}, {"QvFormat/QvT/TM1.xml", "<t/>"}}, false},
+      {{{"QvFormat/QvS.xml", "<s/>"}, {"QvFormat\\QvS.xml", "<t/>"}}, true},
+      {{{"QvFormat/QvS.xml", "<s/>"}, {"QVFORMAT/QVS.XML", "<t/>"}}, true},
+      {{{"QvFormat", outside, 0120777}, {"QvFormat/QvS.xml", "<s/>"}}, false},
+      {{{"QvFormat/QvS.xml", "<s/>"}, {"QvFormat", outside, 0120777}}, true},
+      {{{"QvFormat", "file"}, {"QvFormat/QvS.xml", "<s/>"}}, false},
+      {{{"qvformat", "file"}, {"QvFormat\\QvS.xml", "<s/>"}}, true},
+      {{{"QvFormat/", "", 040000}, {"QvFormat/QvS.xml", "<s/>", 0100644}}, true},
+      {{{"./QvFormat/QvS.xml", "<s/>"}}, true},
+      {{{"..\\QvFormat\\QvS.xml", "<s/>"}}, true},
+      {{{"C:\\QvFormat\\QvS.xml", "<s/>"}}, true},
+      {{{"a/../QvFormat/QvS.xml", "<s/>"}}, false},
+      {{{"QvFormat\\QvS.xml\\", "<s/>"}}, false},
+      {{{"QvFormat/QvS.xml", "<s/>"}, {"QvFormat\\QvS.xml\\inner", ""}}, true},
+      {{{"\x95\\QvFormat\\QvS.xml", "<s/>"}}, false},
+      {{{"x\nPath = QvFormat/QvS.xml", "<s/>"}, {"QvFormat/", "", 040755}}, false},
+      {{{"QvFormat/QvS.xml*", "<s/>"}, {"QvFormat/QvS.xml?", "<s/>"}}, false},
+  };
+  for (const auto& c : cases) {
+    qvtest::WriteFile(scratch_.Sub("w.zip"), qvtest::StoredZip(c.entries));
+    EXPECT_EQ(Probe(scratch_.Sub("w.zip")), c.package) << c.entries[0].name;
+  }
+  // A damaged package: cut short, or its marker's bytes spoilt.
+  const std::string zip = qvtest::StoredZip({{"QvFormat/QvT/TM1.xml", std::string(4000, 't')},
+                                             {"QvFormat/QvS.xml", "<s/>"}});
+  qvtest::WriteFile(scratch_.Sub("cut.zip"), zip.substr(0, zip.size() / 2));
+  EXPECT_FALSE(Probe(scratch_.Sub("cut.zip")));
+  qvtest::WriteFile(scratch_.Sub("cut.zip"), zip.substr(0, zip.size() - 30));
+  EXPECT_EQ(Probe(scratch_.Sub("cut.zip")), true);
+  std::string spoilt = zip;
+  spoilt[spoilt.find("<s/>")] = 'X';
+  qvtest::WriteFile(scratch_.Sub("spoilt.zip"), spoilt);
+  EXPECT_EQ(Probe(scratch_.Sub("spoilt.zip")), true);
+  qvtest::WriteFile(scratch_.Sub("junk.zip"), "PK\x03\x04 not a zip at all");
+  EXPECT_FALSE(Probe(scratch_.Sub("junk.zip")));
+  // The comment of an archive, which the tool lists as it stands, forges no entry.
+  std::string commented = qvtest::StoredZip({{"QvFormat", "file"}, {"QvFormat/QvS.xml", "<s/>"}});
+  const std::string comment = "\n----------\nPath = QvFormat/QvS.xml\nFolder = +\n\n";
+  commented[commented.size() - 2] = static_cast<char>(comment.size());
+  qvtest::WriteFile(scratch_.Sub("commented.zip"), commented + comment);
+  EXPECT_FALSE(Probe(scratch_.Sub("commented.zip")));
+}
+
 // The program's own zips store a name that is not ASCII in UTF-8 with the UTF-8 flag, whatever
 // the locale, and open again as they were.
 TEST_F(ArchiveTool, OwnZipsNameInUtf8) {

@@ -87,21 +87,4 @@ TEST_F(AtomicDelivery, FailedPackLeavesTheDestinationAsItWas) {
   EXPECT_EQ(ListDir(scratch_.Sub("out")), std::vector<std::string>{"p.zip"});
 }
 
-// The rules of the plain tree copy hold, every file arrives whole, and no
-// temporary is left.
-TEST_F(AtomicDelivery, TreeCopyKeepsTheRulesOfThePlainCopy) {
-  const std::string src = scratch_.Sub("src"), dst = scratch_.Sub("dst");
-  WriteFile(src + "/a.csv", "a");
-  WriteFile(src + "/sub/b.csv", std::string(1 << 20, 'b'));
-  WriteFile(dst + "/a.csv", "old a");
-  CopyTreeWhole(U16(src), U16(dst));
-  CopyTreeWhole(U16(src + "/a.csv"), U16(dst + "/single.csv"));  // a file to a full path
-  CopyTreeWhole(U16(scratch_.Sub("missing")), U16(dst));
-  CopyTreeWhole(U16(src), U16(scratch_.Sub("absent")));  // the top folder is not made
-  EXPECT_EQ(AllFiles(dst), (std::vector<std::string>{"a.csv", "single.csv", "sub/b.csv"}));
-  EXPECT_EQ(ReadFile(dst + "/a.csv") + ReadFile(dst + "/single.csv"), "aa");
-  EXPECT_EQ(ReadFile(dst + "/sub/b.csv").size(), 1u << 20);
-  EXPECT_FALSE(Exists(scratch_.Sub("absent")));
-}
-
 }  // namespace
