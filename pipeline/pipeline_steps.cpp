@@ -5,6 +5,7 @@
 #include "base/qv_conv_exception.h"
 #include "platform/file_system.h"
 #include "workspace/atomic_delivery.h"
+#include "workspace/file_tree.h"
 #include "workspace/run_log.h"
 
 namespace quorvane::qvconv::converter {
