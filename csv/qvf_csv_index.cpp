@@ -5,7 +5,8 @@
 
 namespace quorvane::qvconv::io::csv {
 
-std::u16string AddNumberedId(QvFNameMap& map, std::u16string_view prefix, const std::u16string& key) {
+std::u16string AddNumberedId(QvFNameMap& map, std::u16string_view prefix,
+                             const std::u16string& key) {
   auto found = map.find(key);
   if (found != map.end()) return found->second;
   std::string number = std::to_string(map.size() + 1);

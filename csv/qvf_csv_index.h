@@ -21,19 +21,22 @@ using QvFNameMap = std::map<std::u16string, std::u16string>;
 
 // The add form of a lookup: the value of `key`, or else a new value `prefix`
 // + (size of the map + 1) in decimal, stored under `key`.
-std::u16string AddNumberedId(QvFNameMap& map, std::u16string_view prefix, const std::u16string& key);
+std::u16string AddNumberedId(QvFNameMap& map, std::u16string_view prefix,
+                             const std::u16string& key);
 // The plain form of a lookup: the value of `key`; a key not in the map enters
 // it with empty text, and empty text comes back.
 std::u16string LookupId(QvFNameMap& map, const std::u16string& key);
 
 // What the reader keeps of one program.
 struct QvFCsvProgramEntry {
-  QvFNameMap playlist_ids;                    // playlist file name -> "PL" identifier
+  QvFNameMap playlist_ids;                     // playlist file name -> "PL" identifier
   std::vector<std::u16string> contents_paths;  // contents file paths of all its playlists
   std::u16string background_text;              // colour text of pane line 0
   QvFNameMap playlist_colors;                  // playlist file name -> colour text of its pane line
 
-  std::u16string addPlaylistId(const std::u16string& file) { return AddNumberedId(playlist_ids, u"PL", file); }
+  std::u16string addPlaylistId(const std::u16string& file) {
+    return AddNumberedId(playlist_ids, u"PL", file);
+  }
   std::u16string playlistId(const std::u16string& file) { return LookupId(playlist_ids, file); }
 };
 
@@ -47,14 +50,21 @@ class QvFCsvIndex {
  public:
   QvFNameMap timetable_ids;  // time table file name -> "TM" identifier
   QvFNameMap program_ids;    // program folder name -> "PG" identifier
-  std::map<std::u16string, std::unique_ptr<QvFCsvProgramEntry>> program_entries;  // "PG" id -> entry
-  QvFNameMap content_ids;    // content path -> "CT" identifier
+  std::map<std::u16string, std::unique_ptr<QvFCsvProgramEntry>>
+      program_entries;                           // "PG" id -> entry
+  QvFNameMap content_ids;                        // content path -> "CT" identifier
   std::vector<QvFCsvContentFile> content_files;  // in order of reading, with repeats
 
   // Add forms.
-  std::u16string addTimetableId(const std::u16string& file) { return AddNumberedId(timetable_ids, u"TM", file); }
-  std::u16string addProgramId(const std::u16string& folder) { return AddNumberedId(program_ids, u"PG", folder); }
-  std::u16string addContentId(const std::u16string& path) { return AddNumberedId(content_ids, u"CT", path); }
+  std::u16string addTimetableId(const std::u16string& file) {
+    return AddNumberedId(timetable_ids, u"TM", file);
+  }
+  std::u16string addProgramId(const std::u16string& folder) {
+    return AddNumberedId(program_ids, u"PG", folder);
+  }
+  std::u16string addContentId(const std::u16string& path) {
+    return AddNumberedId(content_ids, u"CT", path);
+  }
 
   // Plain forms.
   std::u16string timetableId(const std::u16string& file) { return LookupId(timetable_ids, file); }

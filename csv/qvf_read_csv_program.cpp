@@ -20,8 +20,8 @@ namespace quorvane::qvconv::io::csv {
 
 namespace {
 
-using converter::QvConvException;
 using converter::Guarded;
+using converter::QvConvException;
 using converter::ThrowCode;
 namespace codes = converter::codes;
 
@@ -60,8 +60,9 @@ void RequireColumns(const QvCsvFile::Row& row, std::size_t count) {
 // own tables ("sub/Program_1" is one key).
 std::u16string FolderNameOf(const std::u16string& path) {
   const std::size_t cut = path.rfind(u'\\');
-  return converter::FileNameOf(cut == std::u16string::npos ? std::u16string_view(path)
-                                                           : std::u16string_view(path).substr(0, cut));
+  return converter::FileNameOf(cut == std::u16string::npos
+                                   ? std::u16string_view(path)
+                                   : std::u16string_view(path).substr(0, cut));
 }
 
 // Every run of backslashes becomes one backslash.  Project files written by
@@ -90,7 +91,8 @@ std::u16string ComparisonPath(const std::u16string& path) {
 // Does the comparison path end in `extension`?  A path shorter than the
 // extension cannot be compared: the out-of-range failure again.
 bool EndsWith(const std::u16string& path, std::u16string_view extension) {
-  if (path.size() < extension.size()) throw std::out_of_range("content path shorter than its extension");
+  if (path.size() < extension.size())
+    throw std::out_of_range("content path shorter than its extension");
   return path.compare(path.size() - extension.size(), extension.size(), extension) == 0;
 }
 
@@ -198,7 +200,8 @@ std::unique_ptr<fmt::QvFProgram> QvFReadCsv::readProgram(std::u16string path) {
       pane.playlist_file.ref_playlist.assign(entry.addPlaylistId(playlist));
       // A frame remembers its colour for a playlist that turns out empty.
       if (frame_pane) entry.playlist_colors[playlist] = row[kPaneColor];
-      if (std::optional<bool> mute = fmt::ParseBoolValue(row[kPaneMute])) pane.playlist_file.mute = mute;
+      if (std::optional<bool> mute = fmt::ParseBoolValue(row[kPaneMute]))
+        pane.playlist_file.mute = mute;
       program->pane_info.panes.push_back(std::move(pane));
     }
     return program;
@@ -235,7 +238,8 @@ fmt::QvFPlaylist QvFReadCsv::readPlaylist(std::u16string path) {
         blank->has_background_color = false;
       } else {
         auto color = entry.playlist_colors.find(file_name);
-        if (color != entry.playlist_colors.end()) fmt::ParseColor(color->second, blank->background_color);
+        if (color != entry.playlist_colors.end())
+          fmt::ParseColor(color->second, blank->background_color);
         blank->has_background_color = true;
       }
       fmt::ParseTime(u"00:00:00", blank->play_time.time);
@@ -262,7 +266,8 @@ std::shared_ptr<Record> NewFileItem(const std::u16string& id, std::int32_t type,
 
 }  // namespace
 
-void QvFReadCsv::readContents(std::u16string path, fmt::QvFPlaylist& playlist, QvFCsvProgramEntry& entry) {
+void QvFReadCsv::readContents(std::u16string path, fmt::QvFPlaylist& playlist,
+                              QvFCsvProgramEntry& entry) {
   Guarded(codes::kProjectFileBad, [&] {
     QvCsvFile file;
     file.ReadFile(path);
@@ -325,7 +330,8 @@ void QvFReadCsv::readContents(std::u16string path, fmt::QvFPlaylist& playlist, Q
       case ItemKind::kImage: {
         auto image = NewFileItem<fmt::QvFImage>(id, item.type, line);
         fmt::ParseColor(line[kItemColor], image->background_color);
-        if (line.size() > kItemEffect) image->image_effect = EffectOf(fmt::ParseInt(line[kItemEffect]));
+        if (line.size() > kItemEffect)
+          image->image_effect = EffectOf(fmt::ParseInt(line[kItemEffect]));
         if (line.size() > kItemEffectTime && image->image_effect) {
           image->image_effect->t = fmt::ParseInt(line[kItemEffectTime]);
         }

@@ -17,8 +17,8 @@ namespace quorvane::qvconv::io::csv {
 
 namespace {
 
-using converter::QvConvException;
 using converter::Guarded;
+using converter::QvConvException;
 namespace codes = converter::codes;
 
 // The colour text of line 2 of a time table; nothing reads it.
@@ -33,8 +33,8 @@ std::u16string ThreeDigits(long long number) {
 
 std::u16string StampOf(const std::tm& now) {
   char buffer[96];
-  std::snprintf(buffer, sizeof buffer, "%04d%02d%02d_%02d%02d%02d", now.tm_year + 1900, now.tm_mon + 1,
-                now.tm_mday, now.tm_hour, now.tm_min, now.tm_sec);
+  std::snprintf(buffer, sizeof buffer, "%04d%02d%02d_%02d%02d%02d", now.tm_year + 1900,
+                now.tm_mon + 1, now.tm_mday, now.tm_hour, now.tm_min, now.tm_sec);
   return fmt::Widen(buffer);
 }
 
@@ -86,8 +86,8 @@ void QvFWriteCsv::outputTimeTable(std::u16string path, const fmt::QvFTimeTable& 
         // The reader takes a command from a kind "1" line: start time in
         // column 0, the code in column 4, the input in column 5.
         const fmt::QvFTableCommand& command = *table.command;
-        file.AddRow({fmt::FormatTime(command.start_time), u"", u"1", u"", fmt::FormatInt(command.type),
-                     command.target_input});
+        file.AddRow({fmt::FormatTime(command.start_time), u"", u"1", u"",
+                     fmt::FormatInt(command.type), command.target_input});
       }
       // A row with neither carries nothing and is not written.
     }
@@ -119,7 +119,9 @@ std::u16string QvFWriteCsv::contentsFileName(std::int32_t pane, std::int32_t ite
   return u"information\\contents_" + fmt::FormatInt(pane) + u"_" + ThreeDigits(item) + u".csv";
 }
 
-std::u16string QvFWriteCsv::contentReference(const std::u16string& file) { return u"..\\contents\\" + file; }
+std::u16string QvFWriteCsv::contentReference(const std::u16string& file) {
+  return u"..\\contents\\" + file;
+}
 
 std::u16string QvFWriteCsv::movieFileName(const std::u16string& id) {
   return id + std::u16string(fmt::kMovieExtension);

@@ -60,8 +60,8 @@ class QvFWriteCsv final : public fmt::io::QvFWriter {
   // items below "information".  A null playlist gives an empty file.
   // `content_names` maps content identifier text to content file name; this
   // operation adds the names of the items it writes.
-  void outputPlaylistFile(std::int32_t index, std::u16string folder, const fmt::QvFPlaylist* playlist,
-                          QvFNameMap& content_names);
+  void outputPlaylistFile(std::int32_t index, std::u16string folder,
+                          const fmt::QvFPlaylist* playlist, QvFNameMap& content_names);
 
   // Writes the contents file at `path` for one item.
   void outputContents(std::u16string path, const fmt::QvFContent& item, QvFNameMap& content_names);
@@ -78,10 +78,10 @@ class QvFWriteCsv final : public fmt::io::QvFWriter {
   // The folder name of a program identifier, "Program_" + stamp + "_%03d",
   // numbered at first use.
   std::u16string programFolderName(const std::u16string& id);
-  static std::u16string programFileName();                     // "program.csv"
-  static std::u16string playlistFileName(std::int32_t pane);    // "playlist_%d.csv"
-  static std::u16string informationFolderName();                // "information"
-  static std::u16string contentsFolderName();                   // "contents"
+  static std::u16string programFileName();                    // "program.csv"
+  static std::u16string playlistFileName(std::int32_t pane);  // "playlist_%d.csv"
+  static std::u16string informationFolderName();              // "information"
+  static std::u16string contentsFolderName();                 // "contents"
   // "information\contents_%d_%03d.csv": the text a playlist file holds.
   static std::u16string contentsFileName(std::int32_t pane, std::int32_t item);
   // "..\contents\" + file name: the text line 1 of a contents file holds.

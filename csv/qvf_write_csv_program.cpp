@@ -21,8 +21,8 @@ namespace quorvane::qvconv::io::csv {
 
 namespace {
 
-using converter::QvConvException;
 using converter::Guarded;
+using converter::QvConvException;
 using converter::ThrowCode;
 namespace codes = converter::codes;
 
@@ -52,10 +52,12 @@ std::u16string AspectText(std::int32_t aspect) {
 // numbers the same column from 1 ("11" is loop/stop), so the two meet only for
 // loop/stop, which both read as their default.
 std::u16string EndCodeText(const fmt::QvFPlayTime& play_time) {
-  const std::int32_t end = play_time.content_end >= fmt::kEndLoop && play_time.content_end <= fmt::kEndNext
-                               ? play_time.content_end
-                               : 0;
-  const std::int32_t timeout = play_time.timeout == fmt::kTimeoutContinue ? fmt::kTimeoutContinue : 0;
+  const std::int32_t end =
+      play_time.content_end >= fmt::kEndLoop && play_time.content_end <= fmt::kEndNext
+          ? play_time.content_end
+          : 0;
+  const std::int32_t timeout =
+      play_time.timeout == fmt::kTimeoutContinue ? fmt::kTimeoutContinue : 0;
   return fmt::FormatInt(end) + fmt::FormatInt(timeout);
 }
 
@@ -87,8 +89,8 @@ QvCsvFile::Row ItemLine(std::int32_t kind, const fmt::QvFPlayTime& play_time, st
                         std::u16string aspect, std::u16string volume, std::u16string effect,
                         std::u16string effect_time) {
   namespace column = contents_line;
-  QvCsvFile::Row line = {u"", u"", u"", u"false", u"", u"", u"", u"0", u"0", u"0",
-                         u"", u"", u"", u"0", u"-1", u"-1", u"-1", u"-1", u""};
+  QvCsvFile::Row line = {u"", u"", u"", u"false", u"",   u"",   u"",   u"0",  u"0", u"0",
+                         u"", u"", u"", u"0",     u"-1", u"-1", u"-1", u"-1", u""};
   static_assert(column::kColumns == 19);
   line[column::kKind] = fmt::FormatInt(kind);
   line[column::kTime] = fmt::FormatTime(play_time.time);
@@ -109,7 +111,9 @@ std::u16string InFolder(const std::u16string& folder, std::u16string_view name) 
   return converter::JoinPath(folder, name);
 }
 
-bool IsBlank(const std::shared_ptr<fmt::QvFContent>& item) { return !item || item->kind == fmt::kContentNone; }
+bool IsBlank(const std::shared_ptr<fmt::QvFContent>& item) {
+  return !item || item->kind == fmt::kContentNone;
+}
 
 }  // namespace
 
@@ -122,7 +126,8 @@ void QvFWriteCsv::outputProgram(std::u16string path, fmt::QvFProgram program) {
 
     QvCsvFile file;
     file.AddRow({program.name});
-    file.AddRow({kFrameColor, frame[0], frame[1], frame[2], frame[3], fmt::FormatTime(info.program_time),
+    file.AddRow({kFrameColor, frame[0], frame[1], frame[2], frame[3],
+                 fmt::FormatTime(info.program_time),
                  info.layout_lock.value_or(false) ? u"1" : u"0"});
 
     for (std::int32_t i = 0; i < kPaneLines; ++i) {
@@ -136,7 +141,8 @@ void QvFWriteCsv::outputProgram(std::u16string path, fmt::QvFProgram program) {
         const fmt::QvFPane& pane = panes[pane_index];
         const std::array<std::u16string, 4> region = fmt::FormatRegion(pane.region);
         row.insert(row.end(), region.begin(), region.end());
-        row.insert(row.end(), {background, fmt::FormatFlag(pane.playlist_file.mute), u"0", u"true"});
+        row.insert(row.end(),
+                   {background, fmt::FormatFlag(pane.playlist_file.mute), u"0", u"true"});
       } else {
         // No pane here; the sound line is marked in use all the same.
         row.insert(row.end(), {u"0", u"0", u"0", u"0", kNoPaneColor, u"false", u"0",
@@ -150,8 +156,8 @@ void QvFWriteCsv::outputProgram(std::u16string path, fmt::QvFProgram program) {
 
 void QvFWriteCsv::outputPlaylist(std::u16string, fmt::QvFPlaylist) {}
 
-void QvFWriteCsv::outputPlaylistFile(std::int32_t index, std::u16string folder, const fmt::QvFPlaylist* playlist,
-                                     QvFNameMap& content_names) {
+void QvFWriteCsv::outputPlaylistFile(std::int32_t index, std::u16string folder,
+                                     const fmt::QvFPlaylist* playlist, QvFNameMap& content_names) {
   Guarded(codes::kCsvIoFailed, [&] {
     const std::u16string path = InFolder(folder, playlistFileName(index));
     // A playlist of blanks alone is written empty: the reader brings the
@@ -185,7 +191,8 @@ void QvFWriteCsv::outputPlaylistFile(std::int32_t index, std::u16string folder, 
   });
 }
 
-void QvFWriteCsv::outputContents(std::u16string path, const fmt::QvFContent& item, QvFNameMap& content_names) {
+void QvFWriteCsv::outputContents(std::u16string path, const fmt::QvFContent& item,
+                                 QvFNameMap& content_names) {
   Guarded(codes::kCsvIoFailed, [&] {
     QvCsvFile file;
     std::u16string content_file;
@@ -194,8 +201,9 @@ void QvFWriteCsv::outputContents(std::u16string path, const fmt::QvFContent& ite
       content_id = movie->ref_content.text;
       content_file = movieFileName(content_id);
       file.AddRow({contentReference(content_file)});
-      file.AddRow(ItemLine(kKindFile, movie->play_time, fmt::FormatColorHex(movie->background_color),
-                           AspectText(movie->aspect), fmt::FormatInt(movie->volume), u"0", u"0"));
+      file.AddRow(ItemLine(kKindFile, movie->play_time,
+                           fmt::FormatColorHex(movie->background_color), AspectText(movie->aspect),
+                           fmt::FormatInt(movie->volume), u"0", u"0"));
     } else if (const fmt::QvFImage* image = fmt::AsImage(&item)) {
       content_id = image->ref_content.text;
       content_file = imageFileName(content_id, image->type);
@@ -206,22 +214,25 @@ void QvFWriteCsv::outputContents(std::u16string path, const fmt::QvFContent& ite
         effect_time = image->image_effect->t;
       }
       file.AddRow({contentReference(content_file)});
-      file.AddRow(ItemLine(kKindFile, image->play_time, fmt::FormatColorHex(image->background_color),
-                           AspectText(image->aspect), u"100", fmt::FormatInt(effect), fmt::FormatInt(effect_time)));
+      file.AddRow(ItemLine(kKindFile, image->play_time,
+                           fmt::FormatColorHex(image->background_color), AspectText(image->aspect),
+                           u"100", fmt::FormatInt(effect), fmt::FormatInt(effect_time)));
     } else if (const fmt::QvFTelop* telop = fmt::AsTelop(&item)) {
       // A telop has no colour of its own; column 4 holds opaque black so that
       // the aspect and the end code stand where they are looked for.
       content_id = telop->ref_content.text;
       content_file = telopFileName(content_id);
       file.AddRow({contentReference(content_file)});
-      file.AddRow(ItemLine(kKindFile, telop->play_time, kNoPaneColor, AspectText(telop->aspect), u"100", u"0",
-                           u"0"));
+      file.AddRow(ItemLine(kKindFile, telop->play_time, kNoPaneColor, AspectText(telop->aspect),
+                           u"100", u"0", u"0"));
     } else if (const fmt::QvFNone* blank = fmt::AsNone(&item)) {
       // A blank shows no file: line 1 stays empty, and the kind is the blank
       // without a colour of the program, with its own colour in column 4.
-      const fmt::QvFColor color = blank->has_background_color ? blank->background_color : fmt::QvFColor{};
+      const fmt::QvFColor color =
+          blank->has_background_color ? blank->background_color : fmt::QvFColor{};
       file.AddRow({u""});
-      file.AddRow(ItemLine(kKindBlank, blank->play_time, fmt::FormatColorHex(color), u"0", u"100", u"0", u"0"));
+      file.AddRow(ItemLine(kKindBlank, blank->play_time, fmt::FormatColorHex(color), u"0", u"100",
+                           u"0", u"0"));
     } else {
       return;  // no record of this kind exists
     }

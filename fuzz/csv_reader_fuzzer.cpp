@@ -15,8 +15,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string_view bytes(reinterpret_cast<const char*>(data), size);
   qvfuzz::MakeScratchFolder("Program_1");
   const std::u16string plain = qvfuzz::Widen(qvfuzz::WriteScratch("Schedule.csv", bytes));
-  const std::u16string program = qvfuzz::Widen(qvfuzz::WriteScratch("Program_1/program.csv", bytes));
-  const std::u16string playlist = qvfuzz::Widen(qvfuzz::WriteScratch("Program_1/playlist_0.csv", bytes));
+  const std::u16string program =
+      qvfuzz::Widen(qvfuzz::WriteScratch("Program_1/program.csv", bytes));
+  const std::u16string playlist =
+      qvfuzz::Widen(qvfuzz::WriteScratch("Program_1/playlist_0.csv", bytes));
 
   QvFReadCsv reader;
   qvfuzz::Guarded([&] { (void)reader.readSchedule(plain); });

@@ -27,7 +27,8 @@ using quorvane::qvconv::converter::QvConvException;
 inline const std::string& ScratchFolder() {
   static const std::string folder = [] {
     const char* tmp = getenv("TMPDIR");
-    std::string pattern = std::string(tmp != nullptr && *tmp != '\0' ? tmp : "/tmp") + "/qvfuzz.XXXXXX";
+    std::string pattern =
+        std::string(tmp != nullptr && *tmp != '\0' ? tmp : "/tmp") + "/qvfuzz.XXXXXX";
     if (mkdtemp(pattern.data()) == nullptr) abort();
     return pattern;
   }();
@@ -73,7 +74,9 @@ inline std::u16string Units(const std::uint8_t* data, std::size_t size) {
   return text;
 }
 
-inline std::u16string Widen(const std::string& text) { return std::u16string(text.begin(), text.end()); }
+inline std::u16string Widen(const std::string& text) {
+  return std::u16string(text.begin(), text.end());
+}
 
 }  // namespace qvfuzz
 

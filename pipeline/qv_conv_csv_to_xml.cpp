@@ -12,9 +12,9 @@
 #include "csv/qvf_read_csv.h"
 #include "model/qvf_content_files.h"
 #include "model/qvf_text.h"
-#include "platform/file_system.h"
 #include "pipeline/pipeline_steps.h"
 #include "pipeline/telop_copy.h"
+#include "platform/file_system.h"
 #include "workspace/file_tree.h"
 #include "workspace/project_path.h"
 #include "workspace/run_log.h"
@@ -27,9 +27,9 @@ namespace {
 
 namespace fmt = qvformat::format;
 
-constexpr const char16_t* kPaneFiles[] = {
-    u"playlist_0.csv", u"playlist_1.csv", u"playlist_2.csv", u"playlist_3.csv", u"playlist_4.csv",
-    u"playlist_5.csv", u"playlist_6.csv", u"playlist_7.csv", u"playlist_8.csv"};
+constexpr const char16_t* kPaneFiles[] = {u"playlist_0.csv", u"playlist_1.csv", u"playlist_2.csv",
+                                          u"playlist_3.csv", u"playlist_4.csv", u"playlist_5.csv",
+                                          u"playlist_6.csv", u"playlist_7.csv", u"playlist_8.csv"};
 
 bool CanOpenForReading(const std::u16string& path) {
   std::string nothing;
@@ -37,7 +37,8 @@ bool CanOpenForReading(const std::u16string& path) {
 }
 
 // The files of a folder whose name begins with `prefix`, exact case.
-std::vector<std::u16string> FilesBeginningWith(const std::u16string& folder, std::u16string_view prefix) {
+std::vector<std::u16string> FilesBeginningWith(const std::u16string& folder,
+                                               std::u16string_view prefix) {
   std::vector<std::u16string> found;
   for (const std::u16string& path : ListFiles(folder)) {
     if (FileNameOf(path).starts_with(prefix)) found.push_back(path);
@@ -208,9 +209,8 @@ void QvConvCsvToXml::ConvertPrograms(Reader& reader, Writer& writer, const std::
           run_log::Step("check", contents_path);
           checkFile(checker::ChContentsInfo, contents_path);
           run_log::Step("read", contents_path);
-          Guarded(codes::kProjectFileBad, [&] {
-            reader.readContents(contents_path, playlist, entry);
-          });
+          Guarded(codes::kProjectFileBad,
+                  [&] { reader.readContents(contents_path, playlist, entry); });
           ++next_item;
         }
         if (!check_only) {

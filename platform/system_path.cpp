@@ -48,7 +48,8 @@ void SystemPath::Shorten() {
   if (cut == std::string::npos) return;  // one name: the system says what it thinks
   const std::string leaf = path.substr(cut + 1);
   // Walk the folders one name at a time; "." and empty names stay where they are.
-  int folder = path[0] == '/' ? ::open("/", O_PATH | O_DIRECTORY) : ::open(".", O_PATH | O_DIRECTORY);
+  int folder =
+      path[0] == '/' ? ::open("/", O_PATH | O_DIRECTORY) : ::open(".", O_PATH | O_DIRECTORY);
   std::size_t start = path[0] == '/' ? 1 : 0;
   while (folder >= 0 && start < cut) {
     std::size_t end = path.find('/', start);

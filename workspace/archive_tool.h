@@ -59,8 +59,8 @@ void UnpackArchive(const std::u16string& archive, platform::PrivateFolder& folde
 // a zip file or that the tool cannot list cleanly) is extracted whole, so the
 // answer is the one a whole extraction gives.  The extraction goes into the
 // probe folder <temp>chktemp, which is made, or emptied first whatever a
-// killed run left in it, and removed again after the test.  Runs side by side take turns on it through the lock file
-// <temp>chktemp.lock.  Throws -3 when either name cannot be made or is not
+// killed run left in it, and removed again after the test.  Runs side by side take turns on it
+// through the lock file <temp>chktemp.lock.  Throws -3 when either name cannot be made or is not
 // ours alone (a link, someone else's, writable by others: see
 // platform/private_folder.h), before anything is extracted or removed, or
 // when the probe folder cannot be emptied; -402 when the tool cannot be

@@ -6,11 +6,11 @@
 #include <xercesc/framework/MemBufInputSource.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
-#include <xercesc/validators/DTD/DTDEntityDecl.hpp>
 #include <xercesc/util/XMLEntityResolver.hpp>
 #include <xercesc/util/XMLException.hpp>
 #include <xercesc/util/XMLResourceIdentifier.hpp>
 #include <xercesc/util/XMLUni.hpp>
+#include <xercesc/validators/DTD/DTDEntityDecl.hpp>
 
 #include <stdexcept>
 #include <string>
@@ -64,19 +64,22 @@ struct ParseLimitReached {};
 // entities.
 class BoundedDOMParser : public xercesc::XercesDOMParser {
  public:
-  BoundedDOMParser() : xercesc::XercesDOMParser(nullptr, XMLPlatformUtils::fgMemoryManager, nullptr) {}
+  BoundedDOMParser()
+      : xercesc::XercesDOMParser(nullptr, XMLPlatformUtils::fgMemoryManager, nullptr) {}
 
   void startElement(const xercesc::XMLElementDecl& decl, const unsigned int url_id,
-                    const XMLCh* const prefix, const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
-                    const XMLSize_t attribute_count, const bool is_empty, const bool is_root) override {
+                    const XMLCh* const prefix,
+                    const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
+                    const XMLSize_t attribute_count, const bool is_empty,
+                    const bool is_root) override {
     if (is_root) depth_ = 0;
     if (!is_empty && ++depth_ > kMaxElementDepth) throw ParseLimitReached();
     xercesc::XercesDOMParser::startElement(decl, url_id, prefix, attributes, attribute_count,
                                            is_empty, is_root);
   }
 
-  void endElement(const xercesc::XMLElementDecl& decl, const unsigned int url_id, const bool is_root,
-                  const XMLCh* const prefix) override {
+  void endElement(const xercesc::XMLElementDecl& decl, const unsigned int url_id,
+                  const bool is_root, const XMLCh* const prefix) override {
     if (depth_ > 0) --depth_;
     xercesc::XercesDOMParser::endElement(decl, url_id, is_root, prefix);
   }
@@ -324,7 +327,8 @@ std::u16string TagName(const DOMElement* element) {
 
 DOMElement* FirstChildElement(const DOMNode* parent) {
   if (parent == nullptr) return nullptr;
-  for (DOMNode* child = parent->getFirstChild(); child != nullptr; child = child->getNextSibling()) {
+  for (DOMNode* child = parent->getFirstChild(); child != nullptr;
+       child = child->getNextSibling()) {
     if (child->getNodeType() == DOMNode::ELEMENT_NODE) return static_cast<DOMElement*>(child);
   }
   return nullptr;

@@ -31,7 +31,7 @@
 namespace quorvane::platform {
 class FileLock;
 class PrivateFolder;
-}
+}  // namespace quorvane::platform
 
 namespace quorvane::qvconv::converter {
 
@@ -48,11 +48,10 @@ class QvConvPackageInput {
   // remembered answer.
   bool IsXmlPackage();
 
-  // Extracts the input (IsXmlPackage has been called): into the output folder for a plain archive, into
-  // UnzipFolder() (emptied first) for an XML package, whose configuration is
-  // then switched to the XML to CSV conversion.  Codes: -1 no destination,
-  // -3 a folder cannot be made or is not ours alone, -402 the tool cannot be
-  // started.
+  // Extracts the input (IsXmlPackage has been called): into the output folder for a plain archive,
+  // into UnzipFolder() (emptied first) for an XML package, whose configuration is then switched to
+  // the XML to CSV conversion.  Codes: -1 no destination, -3 a folder cannot be made or is not ours
+  // alone, -402 the tool cannot be started.
   void Unpack();
 
   // <root>unzip and <root>conv, root being the work root or else the

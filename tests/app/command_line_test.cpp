@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
+#include "app/run/run_control.h"
 #include "base/qv_conv_exception.h"
 #include "base/qv_conv_run_config.h"
-#include "app/run/run_control.h"
 #include "tests/support/test_support.h"
 
 namespace {
@@ -23,7 +23,8 @@ ArgumentTable Table(const std::vector<const char*>& arguments) {
 
 TEST(OptionValue, QuotesAndBlanks) {
   const std::pair<const char16_t*, const char16_t*> cases[] = {
-      {u"-packageout.zip", u"out.zip"},     {u"-package\"out.zip\"", u"out.zip"},
+      {u"-packageout.zip", u"out.zip"},
+      {u"-package\"out.zip\"", u"out.zip"},
       {u"-package\"out.zip'", u"out.zip"},  // kinds need not match
       {u"-package\" a b \t\"", u"a b"},     // blanks inside quotes go
       {u"-package \"a\"", u"\"a"},          // a quote behind a blank stays
@@ -57,13 +58,14 @@ TEST(CommandLine, AcceptedLinesAndRefusalsWithMinusOne) {
       {"a", "-unpackageb", "-packagea"},  // output already set
       {"a", "-packagea", "-packagea"},
       {"a", "-td1,2,3,4", "-td1,2,3,4"},
-      {"a", "-td"},  // not the default region
+      {"a", "-td"},        // not the default region
       {"a", "-PACKAGEx"},  // names are case-exact
       {"a", "-paramx", "-paramy"},
       {"a", "-logx", "-logy"},
       {"a", "-log''"},
   };
-  for (const auto& line : refused) EXPECT_EQ(qvtest::CodeOf([&] { ParseCommandLine(Table(line)); }), -1) << line[1];
+  for (const auto& line : refused)
+    EXPECT_EQ(qvtest::CodeOf([&] { ParseCommandLine(Table(line)); }), -1) << line[1];
 }
 
 // The log is found before the option loop runs: the first -log value, up to an empty argument.
@@ -81,8 +83,8 @@ TEST(DisplayRegion, FieldsAndConversion) {
       {u"x,y,z,w", {0, 0, 0, 0}},
       {u",,,,", {0, 0, 0, 0}},
       {u"(-5, +6,7px,  8)", {-5, 6, 7, 8}},
-      {u"1,2,3,4,", {1, 2, 3, 4}},       // a trailing comma adds no field
-      {u"((1),2,3,4))", {1, 2, 3, 4}},   // every parenthesis goes
+      {u"1,2,3,4,", {1, 2, 3, 4}},      // a trailing comma adds no field
+      {u"((1),2,3,4))", {1, 2, 3, 4}},  // every parenthesis goes
       {u"99999999999,-99999999999,1,2", {2147483647, -2147483647 - 1, 1, 2}},
       {u"\u30001,\u00A02,\u20033,\u200B4", {1, 2, 3, 0}},  // Windows' white space, not U+200B
   };
@@ -94,9 +96,11 @@ TEST(DisplayRegion, FieldsAndConversion) {
   }
   for (const char16_t* bad : {u"()", u"1,2,3,4,5", u"1,2,3,4,,", u",,,", u"1;2;3;4"})
     EXPECT_EQ(qvtest::CodeOf([&] {
-      QvConvRunConfig config;
-      SetDisplayRegion(bad, &config);
-    }), -1) << qvtest::U8(bad);
+                QvConvRunConfig config;
+                SetDisplayRegion(bad, &config);
+              }),
+              -1)
+        << qvtest::U8(bad);
   QvConvRunConfig untouched;
   SetDisplayRegion(u"", &untouched);  // empty text changes nothing
   EXPECT_EQ(untouched.DisplayRegion().width, 0);

@@ -1,4 +1,5 @@
-// Whole runs of `qvConvApp <project> -check<report>` (and -td<region>): exit codes 0, 1 and 2, and the report.
+// Whole runs of `qvConvApp <project> -check<report>` (and -td<region>): exit codes 0, 1 and 2, and
+// the report.
 #include <algorithm>
 
 #include "tests/blackbox/project_builder.h"
@@ -6,15 +7,17 @@
 namespace qvtest {
 namespace {
 
-// The Results of a report, "data-kind id kind pane file" a line, with the texts of those at the places `texts`.
+// The Results of a report, "data-kind id kind pane file" a line, with the texts of those at the
+// places `texts`.
 std::string Findings(const XmlNode& report, const std::vector<int>& texts = {}) {
   std::string out;
   int n = 0;
   for (const XmlNode* data : report.At("CheckResult").All("CheckData")) {
     for (const XmlNode* r : data->All("Result")) {
-      out += data->Attr("kind") + " " + r->Attr("id") + " " + r->Attr("kind") + " " + r->Attr("pane") + " " +
-             r->Attr("file");
-      out += (std::find(texts.begin(), texts.end(), n++) != texts.end() ? ": " + r->text : "") + "\n";
+      out += data->Attr("kind") + " " + r->Attr("id") + " " + r->Attr("kind") + " " +
+             r->Attr("pane") + " " + r->Attr("file");
+      out +=
+          (std::find(texts.begin(), texts.end(), n++) != texts.end() ? ": " + r->text : "") + "\n";
     }
   }
   return out;
@@ -28,15 +31,18 @@ TEST_F(CheckReport, ScheduleFindingsOutcomesAndReport) {
   EXPECT_FALSE(Exists(report_)) << "no finding, no report";
   EXPECT_TRUE(WorkFolders(temp_).empty());
 
-  p_.Schedule({ScheduleEntry(DateFromToday(-2), "TimeTable_a.csv", "true"), ScheduleEntry("2035/01/02", "時間表b.csv")});
+  p_.Schedule({ScheduleEntry(DateFromToday(-2), "TimeTable_a.csv", "true"),
+               ScheduleEntry("2035/01/02", "時間表b.csv")});
   EXPECT_EQ(Check().status, 1);
   EXPECT_TRUE(WorkFolders(temp_).empty()) << "warnings only: the work folder is removed";
   // The language attribute is constant; a CheckData for every checked file,
   // named as the project folder and a backslash and the name.
   std::string outline = Outline(Report());
-  for (size_t at; (at = outline.find(project_)) != std::string::npos;) outline.replace(at, project_.size(), "P");
+  for (size_t at; (at = outline.find(project_)) != std::string::npos;)
+    outline.replace(at, project_.size(), "P");
   EXPECT_EQ(outline,
-            "QvConvCheck language=ja version=1.0\n CheckInfo\n  Checker version=1.0\n  CheckFileInfo src=P\n"
+            "QvConvCheck language=ja version=1.0\n CheckInfo\n  Checker version=1.0\n  "
+            "CheckFileInfo src=P\n"
             "   CheckFile src=P\\Schedule.csv\n   CheckFile src=P\\TimeTable_a.csv\n"
             "   CheckFile src=P\\時間表b.csv\n"
             " CheckResult\n  CheckData kind=schedule src=P\\Schedule.csv\n"
@@ -50,7 +56,8 @@ TEST_F(CheckReport, ScheduleFindingsOutcomesAndReport) {
   RemoveAll(report_);
   EXPECT_EQ(Check().status, 2);
   EXPECT_EQ(WorkFolders(temp_).size(), 1u);
-  EXPECT_EQ(Findings(Report(), {1}), "schedule SC0301 W  \ninterrupt EP0000 E  : Not support the special program table.\n");
+  EXPECT_EQ(Findings(Report(), {1}),
+            "schedule SC0301 W  \ninterrupt EP0000 E  : Not support the special program table.\n");
   const std::string files = Outline(Report().At("CheckInfo"));  // one interrupt file, the last
   EXPECT_EQ(files.find("CheckFile src=" + project_ + "\\Interrupt_"), files.rfind("CheckFile"))
       << files;
@@ -59,7 +66,10 @@ TEST_F(CheckReport, ScheduleFindingsOutcomesAndReport) {
 // The program must fit the display region given with -td and start at its corner.
 TEST_F(CheckReport, ProgramAgainstTheDisplayRegion) {
   // The program and its one pane, the region, the findings.
-  const struct { int x, y, pane_x, pane_y, width, height; std::string region, findings; } cases[] = {
+  const struct {
+    int x, y, pane_x, pane_y, width, height;
+    std::string region, findings;
+  } cases[] = {
       {0, 0, 0, 0, 1920, 1080, "(0,0,1920,1080)", ""},
       {0, 0, 0, 0, 1920, 1080, "(0,0,1280,720)", "program PG0501 E  \nprogram PG1301 W  \n"},
       {0, 0, 0, 0, 1080, 1920, "0,0,1920,1080", ""},  // a turned display fits
@@ -71,10 +81,14 @@ TEST_F(CheckReport, ProgramAgainstTheDisplayRegion) {
   p_.Playlist("Program_1", 1, {MovieItem("a.mp4")});
   p_.Content("a.mp4", "a");
   for (const auto& c : cases) {
-    p_.Program("Program_1", {.x = c.x, .y = c.y, .width = c.width, .height = c.height,
+    p_.Program("Program_1", {.x = c.x,
+                             .y = c.y,
+                             .width = c.width,
+                             .height = c.height,
                              .panes = {Pane{1, c.pane_x, c.pane_y, c.width, c.height}}});
     RemoveAll(report_);
-    EXPECT_EQ(RunQv({project_, "-check" + report_, "-td" + c.region}, RunEnv(temp_)).status, c.findings.empty() ? 0 : 2)
+    EXPECT_EQ(RunQv({project_, "-check" + report_, "-td" + c.region}, RunEnv(temp_)).status,
+              c.findings.empty() ? 0 : 2)
         << c.region;
     EXPECT_EQ(Exists(report_) ? Findings(Report()) : "", c.findings) << c.region;
   }
@@ -119,7 +133,8 @@ TEST_F(CheckProgram, CleanProgramAndItsTelopSevenLevelsUp) {
 }
 
 TEST_F(CheckProgram, LayoutFindingsCarryTheirPaneLine) {
-  Build({Pane{1, 0, 0, 960, 1080}, Pane{2, 960, 0, 960, 1080}, Pane{8, 0, 0, 100, 100}}, {MovieItem("a.mp4")});
+  Build({Pane{1, 0, 0, 960, 1080}, Pane{2, 960, 0, 960, 1080}, Pane{8, 0, 0, 100, 100}},
+        {MovieItem("a.mp4")});
   deep_p_.Playlist("Program_1", 2, {ImageItem("b.png")});
   EXPECT_EQ(CheckDeep(2, {0, 1}),
             "program PG0903 E 2 : Not support multiple frames layout. Please modify layout.\n"
@@ -129,21 +144,27 @@ TEST_F(CheckProgram, LayoutFindingsCarryTheirPaneLine) {
 TEST_F(CheckProgram, ContentFindingsCarryPaneAndFile) {
   Item transparent = ImageItem("b.png"), moved = MovieItem("a.mp4"), attached = MovieItem("a.mp4");
   Item wmv = MovieItem("clip.wmv"), url = MovieItem("x"), telop = TelopItem("t.tlp");
-  transparent.color = telop.color = "", moved.frame_move = "0", attached.extra = {{"..\\contents\\extra.txt"}};
-  wmv.kind = "2", url.path_cell = "http://example.com/a.wmv", url.kind = "3";  // the first silenced by the extension finding; the URL: no backslash, no file
+  transparent.color = telop.color = "", moved.frame_move = "0",
+  attached.extra = {{"..\\contents\\extra.txt"}};
+  wmv.kind = "2", url.path_cell = "http://example.com/a.wmv",
+  url.kind = "3";  // the first silenced by the extension finding; the URL: no backslash, no file
   Build(frame_and_telop_,
-        {transparent, ImageItem("c.jpg", "15"), moved, attached, wmv, MovieItem("tool.exe"), url, BlankItem("7")}, 201);
+        {transparent, ImageItem("c.jpg", "15"), moved, attached, wmv, MovieItem("tool.exe"), url,
+         BlankItem("7")},
+        201);
   deep_p_.Playlist("Program_1", 5, {telop});
   std::string found = CheckDeep(2, {1, 7, 8});
   for (size_t at; (at = found.find("contentsinfo ")) != std::string::npos;) found.erase(at, 13);
-  EXPECT_EQ(found,
-            "CHECK_COLOR E 1 b.png\n"
-            "CI1401 E 1 c.jpg: Not support display effect on the \"circle\". Please modify the setting at content "
-            "property screen.\n"
-            "CI1700 E 1 a.mp4\nCI1800 E 1 a.mp4\nCI1900 E 1 a.mp4\nCI2000 E 1 a.mp4\nCI2200 E 1 a.mp4\n"
-            "CI0100 E 1 clip.wmv: Not support the content of the extension (.wmv).\n"
-            "CI0100 E 1 tool.exe: Specifying the executable file is not supported.\n"
-            "CI0204 E 1 \nCI0211 E 1 \nCI2300 E 5 t.tlp\nCHECK_COLOR E 5 t.tlp\n")
+  EXPECT_EQ(
+      found,
+      "CHECK_COLOR E 1 b.png\n"
+      "CI1401 E 1 c.jpg: Not support display effect on the \"circle\". Please modify the setting "
+      "at content "
+      "property screen.\n"
+      "CI1700 E 1 a.mp4\nCI1800 E 1 a.mp4\nCI1900 E 1 a.mp4\nCI2000 E 1 a.mp4\nCI2200 E 1 a.mp4\n"
+      "CI0100 E 1 clip.wmv: Not support the content of the extension (.wmv).\n"
+      "CI0100 E 1 tool.exe: Specifying the executable file is not supported.\n"
+      "CI0204 E 1 \nCI0211 E 1 \nCI2300 E 5 t.tlp\nCHECK_COLOR E 5 t.tlp\n")
       << "all of kind contentsinfo";
 }
 

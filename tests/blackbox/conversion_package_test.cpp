@@ -7,12 +7,24 @@
 namespace qvtest {
 namespace {
 
-const std::vector<std::string> kCleanMembers = {
-    "QvFormat", "QvFormat/QvC", "QvFormat/QvC/CT1.png", "QvFormat/QvC/CT3.mp4", "QvFormat/QvC/CT4.jpg",
-    "QvFormat/QvC/CT5.tlp", "QvFormat/QvP", "QvFormat/QvP/PG1", "QvFormat/QvP/PG1/PG1.xml",
-    "QvFormat/QvP/PG1/PL1.xml", "QvFormat/QvP/PG2", "QvFormat/QvP/PG2/PG2.xml", "QvFormat/QvP/PG2/PL1.xml",
-    "QvFormat/QvP/PG2/PL2.xml", "QvFormat/QvS.xml", "QvFormat/QvT", "QvFormat/QvT/TM1.xml",
-    "QvFormat/QvT/TM2.xml"};
+const std::vector<std::string> kCleanMembers = {"QvFormat",
+                                                "QvFormat/QvC",
+                                                "QvFormat/QvC/CT1.png",
+                                                "QvFormat/QvC/CT3.mp4",
+                                                "QvFormat/QvC/CT4.jpg",
+                                                "QvFormat/QvC/CT5.tlp",
+                                                "QvFormat/QvP",
+                                                "QvFormat/QvP/PG1",
+                                                "QvFormat/QvP/PG1/PG1.xml",
+                                                "QvFormat/QvP/PG1/PL1.xml",
+                                                "QvFormat/QvP/PG2",
+                                                "QvFormat/QvP/PG2/PG2.xml",
+                                                "QvFormat/QvP/PG2/PL1.xml",
+                                                "QvFormat/QvP/PG2/PL2.xml",
+                                                "QvFormat/QvS.xml",
+                                                "QvFormat/QvT",
+                                                "QvFormat/QvT/TM1.xml",
+                                                "QvFormat/QvT/TM2.xml"};
 
 class ConversionPackage : public BlackBoxTest {};
 
@@ -37,9 +49,10 @@ TEST_F(ConversionPackage, CleanProjectDocumentsAndContents) {
   EXPECT_EQ(ZipMembers(zip_), kCleanMembers)
       << "one copy of a content used twice, no file for the blank, .jpeg becomes .jpg";
 
-  // Programs are numbered in the order the time tables are walked, playlists per program; one content
-  // file, one identifier; only the panes in use; end code 11 is loop/stop; effect 258 an upward wipe;
-  // a telop has no background colour; a blank of kind 8 none either, and a short play time.
+  // Programs are numbered in the order the time tables are walked, playlists per program; one
+  // content file, one identifier; only the panes in use; end code 11 is loop/stop; effect 258 an
+  // upward wipe; a telop has no background colour; a blank of kind 8 none either, and a short play
+  // time.
   std::string documents;
   for (const char* doc : {"QvT/TM1.xml", "QvP/PG2/PG2.xml", "QvP/PG2/PL1.xml", "QvP/PG2/PL2.xml",
                           "QvP/PG1/PL1.xml"}) {
@@ -84,17 +97,21 @@ TEST_F(ConversionPackage, Utf16TelopCapitalExtensionsAndAMissingContentFile) {
   p_.Schedule({ScheduleEntry("2035/05/05", "TimeTable_1.csv", "true")});
   p_.TimeTable("TimeTable_1.csv", "T", {ProgramLine("08:00:00", "09:00:00", "Program_1")});
   p_.Program("Program_1", {.panes = {Pane{1, 0, 0, 1920, 980}, Pane{5, 0, 980, 1920, 100}}});
-  p_.Playlist("Program_1", 1, {ImageItem("Photo.JPEG"), MovieItem("Clip.MP4"), MovieItem("gone.mp4")});
+  p_.Playlist("Program_1", 1,
+              {ImageItem("Photo.JPEG"), MovieItem("Clip.MP4"), MovieItem("gone.mp4")});
   p_.Playlist("Program_1", 5, {TelopItem("NEWS.TLP")});
   p_.Content("Photo.JPEG", "jpeg bytes"), p_.Content("Clip.MP4", "mp4 bytes");
-  // A font beyond the telop limit: only the exact extension "tlp" is measured, but any case of it is recoded.
+  // A font beyond the telop limit: only the exact extension "tlp" is measured, but any case of it
+  // is recoded.
   const std::string text = TelopText(500, 0, {"Hello", "World"});
   const std::u16string wide = U16(text);
-  p_.Content("NEWS.TLP", "\xff\xfe" + std::string(reinterpret_cast<const char*>(wide.data()), wide.size() * 2));
+  p_.Content("NEWS.TLP",
+             "\xff\xfe" + std::string(reinterpret_cast<const char*>(wide.data()), wide.size() * 2));
   RunResult r = Package();
   ASSERT_EQ(r.status, 0) << r.output;
 
-  EXPECT_EQ(FilesBelow(Extracted() + "/QvC"), (std::vector<std::string>{"CT1.jpg", "CT2.mp4", "CT4.tlp"}))
+  EXPECT_EQ(FilesBelow(Extracted() + "/QvC"),
+            (std::vector<std::string>{"CT1.jpg", "CT2.mp4", "CT4.tlp"}))
       << "extensions lowered; the missing CT3 is left out";
   EXPECT_EQ(ReadFile(Extracted() + "/QvC/CT1.jpg"), "jpeg bytes");
   std::string expected = text;

@@ -1,5 +1,6 @@
-// Whole runs of `qvConvApp <project> -package<zip>`: schedules and time tables in the package, and the
-// outcome of each kind of project: exit status, package delivered or not, work folder removed or left.
+// Whole runs of `qvConvApp <project> -package<zip>`: schedules and time tables in the package, and
+// the outcome of each kind of project: exit status, package delivered or not, work folder removed
+// or left.
 #include <algorithm>
 #include <functional>
 
@@ -23,7 +24,9 @@ TEST_F(ConversionTimeTable, ScheduleAndTimeTableDocuments) {
   const std::vector<std::string> members = ZipMembers(zip_);
   EXPECT_EQ(std::count(members.begin(), members.end(), "keep.txt"), 1);
   for (const auto& m : members)
-    EXPECT_TRUE(m == "keep.txt" || (m.rfind("QvFormat", 0) == 0 && m.find("Temp") == std::string::npos)) << m;
+    EXPECT_TRUE(m == "keep.txt" ||
+                (m.rfind("QvFormat", 0) == 0 && m.find("Temp") == std::string::npos))
+        << m;
 
   // The missing time table is still named, but has no document; an empty target input is written.
   EXPECT_EQ(std::count(members.begin(), members.end(), "QvFormat/QvT/TM3.xml"), 0);
@@ -40,7 +43,8 @@ TEST_F(ConversionTimeTable, ScheduleAndTimeTableDocuments) {
 TEST_F(ConversionTimeTable, NamesFlagsNumberingAndOverlongLines) {
   // The file named first gets TM1 although it sorts last; the default
   // column is true in any case of the word and only then; escapes are read.
-  p_.Schedule({ScheduleEntry("2035/03/01", "zz.csv", "TRUE"), ScheduleEntry("2035/03/02", "aa.csv", "1"),
+  p_.Schedule({ScheduleEntry("2035/03/01", "zz.csv", "TRUE"),
+               ScheduleEntry("2035/03/02", "aa.csv", "1"),
                {"2035/03/03", "zz.csv"}},
               "Schedule.csv", "a,b\\c", "1");
   // A line of 1024 bytes or more ends the read of its file, quietly.
@@ -60,37 +64,57 @@ TEST_F(ConversionTimeTable, NamesFlagsNumberingAndOverlongLines) {
 
 TEST_F(ConversionTimeTable, OutcomeOfEachKindOfProject) {
   using Edit = std::function<void(ProjectBuilder&)>;
-  auto remove = [](const std::string& path) { return [=](ProjectBuilder& p) { RemoveAll(p.Path(path)); }; };
+  auto remove = [](const std::string& path) {
+    return [=](ProjectBuilder& p) { RemoveAll(p.Path(path)); };
+  };
   auto rename_schedule = [](const std::string& name) {
     return [=](ProjectBuilder& p) {
       p.File(name, ReadFile(p.Path("Schedule.csv")));
       RemoveAll(p.Path("Schedule.csv"));
     };
   };
-  // On the clean project, else on the time table project: the status, the package delivered, the work folders left.
-  const struct { const char* what; bool clean; Edit edit; int status; bool delivered; size_t work_folders; } cases[] = {
+  // On the clean project, else on the time table project: the status, the package delivered, the
+  // work folders left.
+  const struct {
+    const char* what;
+    bool clean;
+    Edit edit;
+    int status;
+    bool delivered;
+    size_t work_folders;
+  } cases[] = {
       {"a warning", false,
        [](ProjectBuilder& p) { p.Schedule({ScheduleEntry(DateFromToday(-3), "TimeTable_a.csv")}); },
        1, true, 0},
-      {"an interrupt file", false, [](ProjectBuilder& p) { p.File("Interrupt_1.csv", ""); }, 2, false, 1},
+      {"an interrupt file", false, [](ProjectBuilder& p) { p.File("Interrupt_1.csv", ""); }, 2,
+       false, 1},
       {"a content error", true,
-       [](ProjectBuilder& p) { p.Playlist("Program_ads", 1, {MovieItem("clip.wmv")}); }, 2, false, 1},
+       [](ProjectBuilder& p) { p.Playlist("Program_ads", 1, {MovieItem("clip.wmv")}); }, 2, false,
+       1},
       {"no schedule", false, remove("Schedule.csv"), Status(-101), false, 1},
-      {"no project folder", false, [](ProjectBuilder& p) { RemoveAll(p.root()); }, Status(-101), false, 1},
+      {"no project folder", false, [](ProjectBuilder& p) { RemoveAll(p.root()); }, Status(-101),
+       false, 1},
       {"lower case schedule", false, rename_schedule("schedule.csv"), Status(-101), false, 1},
       {"schedule not first", false, rename_schedule("MySchedule.csv"), Status(-101), false, 1},
       {"stamped schedule", false, rename_schedule("Schedule_20240101_120000_001.csv"), 0, true, 0},
       {"schedule in a subfolder", false,
-       [](ProjectBuilder& p) { p.File("old/Schedule2.csv", CsvBytes({{"x"}, {"false"}})); }, 0, true, 0},
+       [](ProjectBuilder& p) {
+         p.File("old/Schedule2.csv", CsvBytes({{"x"}, {"false"}}));
+       },
+       0, true, 0},
       {"two schedules", false,
        [](ProjectBuilder& p) { p.File("Schedule2.csv", ReadFile(p.Path("Schedule.csv"))); },
        Status(-103), false, 1},
       {"no escape", false,
-       [](ProjectBuilder& p) { p.File("TimeTable_a.csv", "M\r\n0xD4F0FF\r\n06:00:00,a\\b,1,,1,\r\n"); },
+       [](ProjectBuilder& p) {
+         p.File("TimeTable_a.csv", "M\r\n0xD4F0FF\r\n06:00:00,a\\b,1,,1,\r\n");
+       },
        Status(-102), false, 1},
       {"no program folder", true, remove("Program_ads"), Status(-101), false, 1},
-      {"no contents file", true, remove("ニュース番組/information/contents_1_002.csv"), Status(-101), false, 1},
-      {"no playlist of a pane in use", true, remove("ニュース番組/playlist_5.csv"), Status(-101), false, 1},
+      {"no contents file", true, remove("ニュース番組/information/contents_1_002.csv"),
+       Status(-101), false, 1},
+      {"no playlist of a pane in use", true, remove("ニュース番組/playlist_5.csv"), Status(-101),
+       false, 1},
       {"a content path without a point", true,
        [](ProjectBuilder& p) { p.Playlist("Program_ads", 1, {Item{.path_cell = "noextension"}}); },
        Status(-102), false, 1},

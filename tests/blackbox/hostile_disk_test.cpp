@@ -19,14 +19,25 @@ class HostileDisk : public BlackBoxTest {
   void SetUp() override {
     MakeDirs(disk_);
     // An empty command line is refused (255) only where the tmpfs could be made.
-    if (OnSmallDisk(kTinyKib, {}).status != Status(-1)) GTEST_SKIP() << "no mount namespace with a tmpfs here";
+    if (OnSmallDisk(kTinyKib, {}).status != Status(-1))
+      GTEST_SKIP() << "no mount namespace with a tmpfs here";
   }
 
   // Runs qvConvApp with `qv_args` and disk_ a tmpfs of `kib` KiB.
-  RunResult OnSmallDisk(int kib, const std::vector<std::string>& qv_args, const std::vector<std::string>& env = {}) {
-    std::vector<std::string> args{"unshare", "--mount", "--propagation", "private", "sh", "-c",
-                                  "mount -t tmpfs -o size=\"$1\" tmpfs \"$2\" || exit 99\nshift 2; exec \"$@\"",
-                                  "sh", std::to_string(kib) + "k", disk_, QV_BINARY};
+  RunResult OnSmallDisk(int kib, const std::vector<std::string>& qv_args,
+                        const std::vector<std::string>& env = {}) {
+    std::vector<std::string> args{
+        "unshare",
+        "--mount",
+        "--propagation",
+        "private",
+        "sh",
+        "-c",
+        "mount -t tmpfs -o size=\"$1\" tmpfs \"$2\" || exit 99\nshift 2; exec \"$@\"",
+        "sh",
+        std::to_string(kib) + "k",
+        disk_,
+        QV_BINARY};
     args.insert(args.end(), qv_args.begin(), qv_args.end());
     return qvtest::Run(args, env);
   }
@@ -34,9 +45,10 @@ class HostileDisk : public BlackBoxTest {
   std::string disk_ = scratch_.Sub("disk");
 };
 
-// Opening a package with a temporary folder of every size from too small to enough: a partial extraction,
-// an unreadable document or a CSV file cut short (its stream failures are not looked at) never crash the
-// run or give a code outside the documented ones; with room the project is whole.
+// Opening a package with a temporary folder of every size from too small to enough: a partial
+// extraction, an unreadable document or a CSV file cut short (its stream failures are not looked
+// at) never crash the run or give a code outside the documented ones; with room the project is
+// whole.
 TEST_F(HostileDisk, WayBackOnDisksOfEverySize) {
   ASSERT_EQ(Package(kSample).status, 0);
   const std::string back = scratch_.Sub("back"), reference = scratch_.Sub("reference");

@@ -1,5 +1,6 @@
-// Packages made to hurt: local files named through entities, entity bombs, unbounded nesting and attributes,
-// identifiers that are paths, climbing zip entries.  Each ends with its code, fast, writing nowhere else.
+// Packages made to hurt: local files named through entities, entity bombs, unbounded nesting and
+// attributes, identifiers that are paths, climbing zip entries.  Each ends with its code, fast,
+// writing nowhere else.
 #include <chrono>
 #include <cstdint>
 #include <string>
@@ -23,11 +24,14 @@ std::string Schedule(Str name, Str text = "", Str table = "TM1") {
          "\" df=\"t\"/></sl></qv>";
 }
 std::string Table(Str program = "PG1") {
-  return "<tt i=\"TM1\"><tl n=\"T\"><tb><pg rp=\"" + program + "\" st=\"08:00:00\" et=\"09:00:00\"/></tb></tl></tt>";
+  return "<tt i=\"TM1\"><tl n=\"T\"><tb><pg rp=\"" + program +
+         "\" st=\"08:00:00\" et=\"09:00:00\"/></tb></tl></tt>";
 }
 std::string Program(Str playlist = "PL1") {
-  return "<pgp i=\"PG1\" n=\"P\"><pgi pgt=\"00:10:00\"><re x=\"0\" y=\"0\" w=\"1920\" h=\"1080\"/></pgi><pai><pa>"
-         "<re x=\"0\" y=\"0\" w=\"1920\" h=\"1080\"/><plf rl=\"" + playlist + "\"/></pa></pai></pgp>";
+  return "<pgp i=\"PG1\" n=\"P\"><pgi pgt=\"00:10:00\"><re x=\"0\" y=\"0\" w=\"1920\" "
+         "h=\"1080\"/></pgi><pai><pa>"
+         "<re x=\"0\" y=\"0\" w=\"1920\" h=\"1080\"/><plf rl=\"" +
+         playlist + "\"/></pa></pai></pgp>";
 }
 std::string Item(Str rc, Str attr = "") {
   return "<m rc=\"" + rc + "\" tp=\"mp4\"" + attr + "><pt t=\"00:00:01\"/></m>";
@@ -38,7 +42,9 @@ class HostilePackage : public BlackBoxTest {
  protected:
   std::string src_ = scratch_.Sub("src"), back_ = scratch_.Sub("back");
 
-  void Doc(Str relative, Str body) { WriteFile(src_ + "/QvFormat/" + relative, "<?xml version=\"1.0\"?>" + body); }
+  void Doc(Str relative, Str body) {
+    WriteFile(src_ + "/QvFormat/" + relative, "<?xml version=\"1.0\"?>" + body);
+  }
   // A whole scenario afresh; each document may be replaced afterwards.
   void Scenario(Str items = Item("CT1")) {
     RemoveAll(src_);
@@ -54,7 +60,8 @@ class HostilePackage : public BlackBoxTest {
       if (file != skip) out.push_back({file, ReadFile(src_ + "/" + file)});
     return out;
   }
-  // Opens the scenario zipped by the archive tool, or else `stored`: a refusal leaves nothing; no secret comes in.
+  // Opens the scenario zipped by the archive tool, or else `stored`: a refusal leaves nothing; no
+  // secret comes in.
   void ExpectOpen(int code, Str what = "", const std::vector<Entry>& stored = {}) {
     RemoveAll(zip_), RemoveAll(back_), MakeDirs(back_);
     stored.empty() ? ZipFolderContents(src_, zip_) : WriteFile(zip_, StoredZip(stored));
@@ -75,9 +82,13 @@ TEST_F(HostilePackage, LocalFilesNamedThroughEntitiesAreNeverRead) {
   WriteFile(file, kSecret);
   WriteFile(dtd, std::string("<!ENTITY leak \"") + kSecret + "\">");
   const std::string entity = "<!DOCTYPE qv [<!ENTITY leak SYSTEM \"file://" + file + "\">]>";
-  // An external entity reads as empty in text and is not well formed in an attribute.  A named DTD is
-  // never read: a document using nothing of it converts; an entity only the DTD defines reads as nothing.
-  const struct { std::string doc, body; int code; } cases[] = {
+  // An external entity reads as empty in text and is not well formed in an attribute.  A named DTD
+  // is never read: a document using nothing of it converts; an entity only the DTD defines reads as
+  // nothing.
+  const struct {
+    std::string doc, body;
+    int code;
+  } cases[] = {
       {"QvS.xml", entity + Schedule("S", "&leak;"), 0},
       {"QvS.xml", entity + Schedule("&leak;"), -300},
       {"QvT/TM1.xml", "<!DOCTYPE tt SYSTEM \"file://" + dtd + "\">" + Table(), 0},
@@ -108,7 +119,8 @@ TEST_F(HostilePackage, EntityBombIsRefusedQuickly) {
 }
 
 TEST_F(HostilePackage, DeepNestingIsRefusedAndHugeAttributesAreCarried) {
-  // A hundred thousand nested elements: refused, neither the walk nor the release overflowing the stack.
+  // A hundred thousand nested elements: refused, neither the walk nor the release overflowing the
+  // stack.
   std::string open, close;
   for (int i = 0; i < 100000; ++i) open += "<o>", close += "</o>";
   Scenario(open + close);
@@ -122,10 +134,15 @@ TEST_F(HostilePackage, DeepNestingIsRefusedAndHugeAttributesAreCarried) {
 
 TEST_F(HostilePackage, IdentifiersThatArePathsAreMissingDocuments) {
   // Each path leads to a document that exists (`planted`): only refusing the name keeps it unread.
-  const struct { std::string table, program, playlist, planted; } cases[] = {
-      {"../TM1", "PG1", "PL1", "TM1.xml"}, {"sub/TM1", "PG1", "PL1", "QvT/sub/TM1.xml"},
-      {"sub\\TM1", "PG1", "PL1", "QvT/sub/TM1.xml"}, {"TM1", "PG1/PG1", "PL1", "QvP/PG1/PG1/PG1/PG1.xml"},
-      {"TM1", "..", "PL1", "...xml"}, {"TM1", "PG1", "../PG1/PL1", "QvP/PG1/PL1.xml"},
+  const struct {
+    std::string table, program, playlist, planted;
+  } cases[] = {
+      {"../TM1", "PG1", "PL1", "TM1.xml"},
+      {"sub/TM1", "PG1", "PL1", "QvT/sub/TM1.xml"},
+      {"sub\\TM1", "PG1", "PL1", "QvT/sub/TM1.xml"},
+      {"TM1", "PG1/PG1", "PL1", "QvP/PG1/PG1/PG1/PG1.xml"},
+      {"TM1", "..", "PL1", "...xml"},
+      {"TM1", "PG1", "../PG1/PL1", "QvP/PG1/PL1.xml"},
   };
   for (const auto& c : cases) {
     RemoveAll(temp_);
@@ -139,10 +156,12 @@ TEST_F(HostilePackage, IdentifiersThatArePathsAreMissingDocuments) {
 }
 
 TEST_F(HostilePackage, ContentWhoseNameIsAPathIsLeftOut) {
-  // Names climbing from the package's QvFormat/QvC and from the destination's contents; files wait at both ends.
+  // Names climbing from the package's QvFormat/QvC and from the destination's contents; files wait
+  // at both ends.
   WriteFile(temp_ + "/outside.mp4", kSecret);
   WriteFile(temp_ + "/unzip/outside.mp4", kSecret);
-  Scenario(Item("../../outside") + Item("../../../outside") + Item(temp_ + "/outside") + Item("CT1"));
+  Scenario(Item("../../outside") + Item("../../../outside") + Item(temp_ + "/outside") +
+           Item("CT1"));
   ExpectOpen(0);
   EXPECT_EQ(FilesBelow(back_ + "/contents"), std::vector<std::string>{"CT1.mp4"});
   for (const char* path : {"outside.mp4", "back/outside.mp4", "../outside.mp4"})
@@ -152,11 +171,13 @@ TEST_F(HostilePackage, ContentWhoseNameIsAPathIsLeftOut) {
 TEST_F(HostilePackage, ZipEntriesOfAPackageStayInTheTemporaryFolder) {
   Scenario();
   std::vector<Entry> entries = Entries();
-  for (const char* name : {"../escaped.txt", "../../escaped2.txt", "QvFormat/../../escaped3.txt", "/qv-escape.txt"})
+  for (const char* name :
+       {"../escaped.txt", "../../escaped2.txt", "QvFormat/../../escaped3.txt", "/qv-escape.txt"})
     entries.push_back({name, "x"});
   ExpectOpen(0, "", entries);
   EXPECT_EQ(FilesBelow(back_ + "/contents"), std::vector<std::string>{"CT1.mp4"});
-  for (const std::string& file : FilesBelow(scratch_.path())) EXPECT_EQ(file.find("escape"), std::string::npos) << file;
+  for (const std::string& file : FilesBelow(scratch_.path()))
+    EXPECT_EQ(file.find("escape"), std::string::npos) << file;
   EXPECT_FALSE(Exists("/qv-escape.txt"));
 }
 
@@ -166,10 +187,12 @@ TEST_F(HostilePackage, SymbolicLinksInArchivesLeadNowhere) {
   WriteFile(secret, kSecret);
   // A plain archive: a link to a folder outside, then a file through it.
   ExpectOpen(0, "plain", {{"d", outside, kLink}, {"d/plain.txt", "x"}});
-  // A package: a content file linking to a local file, a link to the folder outside and a file through it.
+  // A package: a content file linking to a local file, a link to the folder outside and a file
+  // through it.
   Scenario();
   std::vector<Entry> entries = Entries("QvFormat/QvC/CT1.mp4");
-  entries.insert(entries.end(), {{"QvFormat/QvC/CT1.mp4", secret, kLink}, {"QvFormat/QvC/lnk", outside, kLink},
+  entries.insert(entries.end(), {{"QvFormat/QvC/CT1.mp4", secret, kLink},
+                                 {"QvFormat/QvC/lnk", outside, kLink},
                                  {"QvFormat/QvC/lnk/package.txt", "x"}});
   ExpectOpen(0, "package", entries);
   EXPECT_EQ(ListDir(outside), std::vector<std::string>{}) << "written through a link";

@@ -1,5 +1,5 @@
-// Paths that strain the program: folders deeper than the old 260-character limit and than the system's
-// 4,096, Japanese names everywhere, and a report that cannot be written.
+// Paths that strain the program: folders deeper than the old 260-character limit and than the
+// system's 4,096, Japanese names everywhere, and a report that cannot be written.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -13,11 +13,13 @@ namespace qvtest {
 namespace {
 
 // Extends `path` by Japanese folders of about 180 bytes each until it is longer than `length`, made
-// one step at a time from an open folder, as no single call takes so long a path.  The last stays open.
+// one step at a time from an open folder, as no single call takes so long a path.  The last stays
+// open.
 int MakeDeepFolder(std::string& path, std::size_t length) {
   int folder = open(path.c_str(), O_RDONLY | O_DIRECTORY);
   for (int i = 0; folder >= 0 && path.size() <= length; ++i) {
-    const std::string name = "とても長いフォルダの名前_" + std::string(140, 'x') + std::to_string(i);
+    const std::string name =
+        "とても長いフォルダの名前_" + std::string(140, 'x') + std::to_string(i);
     mkdirat(folder, name.c_str(), 0755);
     const int next = openat(folder, name.c_str(), O_RDONLY | O_DIRECTORY);
     close(folder);
@@ -31,15 +33,19 @@ class HostilePaths : public BlackBoxTest {};
 
 // Each run in long or Japanese paths gives what the sample gives in short folders.
 TEST_F(HostilePaths, JapaneseNamesAndPathsBeyond260And4096Characters) {
-  const std::string reference_zip = scratch_.Sub("reference.zip"), reference = scratch_.Sub("reference");
+  const std::string reference_zip = scratch_.Sub("reference.zip"),
+                    reference = scratch_.Sub("reference");
   ASSERT_EQ(RunQv({kSample, "-package" + reference_zip}, RunEnv(temp_)).status, 0);
   MakeDirs(reference);
   ASSERT_EQ(Unpackage(reference_zip, reference).status, 0);
-  const std::vector<std::string> members = ZipMembers(reference_zip), project = Unstamped(reference);
+  const std::vector<std::string> members = ZipMembers(reference_zip),
+                                 project = Unstamped(reference);
 
   std::string deep = scratch_.Sub("案件");
-  for (int i = 0; deep.size() < 900; ++i) deep += "/春のキャンペーン用の長いフォルダ名_" + std::to_string(i);
-  const std::string zip = deep + "/パッケージ.zip", back = deep + "/戻り先", zip2 = scratch_.Sub("二つ目.zip");
+  for (int i = 0; deep.size() < 900; ++i)
+    deep += "/春のキャンペーン用の長いフォルダ名_" + std::to_string(i);
+  const std::string zip = deep + "/パッケージ.zip", back = deep + "/戻り先",
+                    zip2 = scratch_.Sub("二つ目.zip");
   MakeDirs(back);
   ASSERT_EQ(qvtest::Run({"cp", "-r", kSample, deep + "/サンプル"}).status, 0);
   RunResult r = RunQv({deep + "/サンプル", "-package" + zip}, RunEnv(temp_));
@@ -53,7 +59,8 @@ TEST_F(HostilePaths, JapaneseNamesAndPathsBeyond260And4096Characters) {
   ASSERT_EQ(r.status, 0) << r.output;
   EXPECT_EQ(ZipMembers(zip2), members);
 
-  // A project and a destination whose full paths are longer than the 4,096 bytes one system call takes.
+  // A project and a destination whose full paths are longer than the 4,096 bytes one system call
+  // takes.
   std::string deeper = scratch_.path();
   const int folder = MakeDeepFolder(deeper, 4200);
   ASSERT_GE(folder, 0);
@@ -78,7 +85,8 @@ TEST_F(HostilePaths, JapaneseNamesAndPathsBeyond260And4096Characters) {
 TEST_F(HostilePaths, ReportThatCannotBeWrittenIsUnknownFailure) {
   BuildTimeTableProject(p_);
   p_.Schedule({ScheduleEntry(DateFromToday(-1), "TimeTable_a.csv")});  // one warning
-  for (const std::string& report : {std::string("/dev/full"), scratch_.Sub("missing/report.xml"), temp_}) {
+  for (const std::string& report :
+       {std::string("/dev/full"), scratch_.Sub("missing/report.xml"), temp_}) {
     MakeDirs(temp_);
     RunResult r = RunQv({project_, "-check" + report}, RunEnv(temp_));
     EXPECT_EQ(r.status, Status(-999)) << report << r.output;

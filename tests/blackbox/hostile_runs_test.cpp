@@ -1,5 +1,6 @@
-// Several qvConvApp processes started at once in one temporary folder: conversions, checks and openings of
-// different packages.  They take turns on its fixed folders; each must give exactly what it gives alone.
+// Several qvConvApp processes started at once in one temporary folder: conversions, checks and
+// openings of different packages.  They take turns on its fixed folders; each must give exactly
+// what it gives alone.
 #include <string>
 #include <thread>
 #include <vector>
@@ -19,7 +20,8 @@ TEST_F(HostileRuns, ConversionsChecksAndOpeningsSideBySide) {
   // packages to open are made one at a time beforehand.
   for (int i = 0; i < kEach; ++i) {
     ASSERT_EQ(qvtest::Run({"cp", "-r", kSample, sub("project", i)}).status, 0);
-    WriteFile(sub("project", i) + "/contents/お知らせ.tlp", Cp932(TelopText(48, 0, {"run " + std::to_string(i)})));
+    WriteFile(sub("project", i) + "/contents/お知らせ.tlp",
+              Cp932(TelopText(48, 0, {"run " + std::to_string(i)})));
     ASSERT_EQ(RunQv({sub("project", i), "-package" + zip("in", i)}, RunEnv(temp_)).status, 0);
     MakeDirs(sub("back", i));
   }
@@ -35,8 +37,9 @@ TEST_F(HostileRuns, ConversionsChecksAndOpeningsSideBySide) {
   int check = -1;
   std::vector<std::thread> runs;
   for (int i = 0; i < kEach; ++i) {
-    runs.emplace_back(
-        [&, i] { convert[i] = RunQv({sub("project", i), "-package" + zip("out", i)}, RunEnv(temp_)).status; });
+    runs.emplace_back([&, i] {
+      convert[i] = RunQv({sub("project", i), "-package" + zip("out", i)}, RunEnv(temp_)).status;
+    });
     runs.emplace_back([&, i] { opened[i] = Unpackage(zip("in", i), sub("back", i)).status; });
   }
   runs.emplace_back([&] { check = Check().status; });
@@ -53,7 +56,8 @@ TEST_F(HostileRuns, ConversionsChecksAndOpeningsSideBySide) {
     EXPECT_EQ(Unstamped(sub("back", i)), project_files) << i;
     int own_telops = 0;
     for (const std::string& file : FilesBelow(sub("back", i) + "/contents"))
-      own_telops += file.ends_with(".tlp") && ReadFile(sub("back", i) + "/contents/" + file).find(own) != own.npos;
+      own_telops += file.ends_with(".tlp") &&
+                    ReadFile(sub("back", i) + "/contents/" + file).find(own) != own.npos;
     EXPECT_EQ(own_telops, 1) << i << ": the project holds another package's telop";
   }
   EXPECT_EQ(check, 1);

@@ -1,4 +1,5 @@
-// Runs through a conversion parameter file: every cell of the dispatch table that the command line cannot reach.
+// Runs through a conversion parameter file: every cell of the dispatch table that the command line
+// cannot reach.
 #include <string>
 
 #include "tests/blackbox/project_builder.h"
@@ -10,7 +11,8 @@ const char* const kDocuments[] = {"QvS.xml",         "QvT/TM1.xml",     "QvT/TM2
                                   "QvP/PG1/PG1.xml", "QvP/PG1/PL1.xml", "QvP/PG2/PG2.xml",
                                   "QvP/PG2/PL1.xml", "QvP/PG2/PL2.xml"};
 
-std::string Parameters(const std::string& in, const std::string& out, const std::string& extra = "") {
+std::string Parameters(const std::string& in, const std::string& out,
+                       const std::string& extra = "") {
   return "<QvConvParameter version=\"1.0\"><Input format=\"application/" + in +
          "\"/><Output format=\"application/" + out + "\" " + extra + "/></QvConvParameter>";
 }
@@ -36,7 +38,9 @@ class ParameterRuns : public ::testing::Test {
     return status;
   }
   std::string Tree(const std::string& tree) { return dir_.Sub(tree) + "/QvFormat/"; }
-  std::string Doc(const std::string& tree, const std::string& name) { return ReadFile(Tree(tree) + name); }
+  std::string Doc(const std::string& tree, const std::string& name) {
+    return ReadFile(Tree(tree) + name);
+  }
 
   ScratchDir dir_;
   int files_ = 0;
@@ -73,7 +77,9 @@ TEST_F(ParameterRuns, UnpackedOutputIsCopiedBothWays) {
   EXPECT_TRUE(IsDir(kSample));
 
   MakeDirs(dir_.Sub("project"));
-  ASSERT_EQ(Qv(dir_.Sub("p"), Parameters("x-qvf", "x-quorvane", "archive=\"no\""), dir_.Sub("project")), 0);
+  ASSERT_EQ(
+      Qv(dir_.Sub("p"), Parameters("x-qvf", "x-quorvane", "archive=\"no\""), dir_.Sub("project")),
+      0);
   EXPECT_FALSE(ListDir(dir_.Sub("project")).empty());
   EXPECT_TRUE(Exists(dir_.Sub("p/QvFormat/QvS.xml")));
 }
@@ -84,7 +90,8 @@ TEST_F(ParameterRuns, FailuresOfTheTreeAndOfTheFile) {
   EXPECT_EQ(Qv(dir_.Sub("p") + "/QvFormat", debug, zip), Status(-300));
   EXPECT_EQ(Qv(dir_.Sub("missing") + "/", debug, zip), Status(-300));
   EXPECT_EQ(Qv(dir_.Sub("p"), Parameters("x-qvf", "x-qvf-debug "), zip), Status(-201));
-  EXPECT_EQ(RunQv({dir_.Sub("p"), "-package" + zip, "-param" + dir_.Sub("none.xml")}).status, Status(-300));
+  EXPECT_EQ(RunQv({dir_.Sub("p"), "-package" + zip, "-param" + dir_.Sub("none.xml")}).status,
+            Status(-300));
   EXPECT_FALSE(Exists(zip));
 }
 

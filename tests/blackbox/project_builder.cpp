@@ -26,13 +26,14 @@ std::string CsvBytes(const Rows& rows) {
 }
 
 std::string TelopText(int font_size, int mode, const std::vector<std::string>& lines) {
-  std::string text = "TELOP\r\n0,0," + std::to_string(font_size) + ",0xffffff,0x000000,0,0," + std::to_string(mode) + "\r\n";
+  std::string text = "TELOP\r\n0,0," + std::to_string(font_size) + ",0xffffff,0x000000,0,0," +
+                     std::to_string(mode) + "\r\n";
   for (const auto& line : lines) text += line + "\r\n";
   return text;
 }
 
-void ProjectBuilder::Schedule(const Rows& entries, const std::string& file, const std::string& title,
-                              const std::string& add) {
+void ProjectBuilder::Schedule(const Rows& entries, const std::string& file,
+                              const std::string& title, const std::string& add) {
   Rows rows{{title}, {add}};
   rows.insert(rows.end(), entries.begin(), entries.end());
   File(file, CsvBytes(rows));
@@ -40,15 +41,18 @@ void ProjectBuilder::Schedule(const Rows& entries, const std::string& file, cons
 
 void ProjectBuilder::Program(const std::string& folder, const ProgramShape& shape) {
   auto s = [](int v) { return std::to_string(v); };
-  Rows rows{{shape.title}, {"0xD4F0FF", s(shape.x), s(shape.y), s(shape.width), s(shape.height), shape.play_time, "0"}};
+  Rows rows{
+      {shape.title},
+      {"0xD4F0FF", s(shape.x), s(shape.y), s(shape.width), s(shape.height), shape.play_time, "0"}};
   for (int n = 0; n <= 8; ++n) {
     // Pane 0, the background, fills the frame; panes not in use are off (but 7 says true).
     bool used = n == 0;
     Pane pane = used ? Pane{0, shape.x, shape.y, shape.width, shape.height} : Pane{n, 0, 0, 0, 0};
     for (const Pane& p : shape.panes)
       if (p.number == n) pane = p, used = true;
-    rows.push_back({s(n), "playlist_" + s(n) + ".csv", s(pane.x), s(pane.y), s(pane.width), s(pane.height),
-                    used ? shape.background : "0x000000", "false", "0", used || n == 7 ? "true" : "false"});
+    rows.push_back({s(n), "playlist_" + s(n) + ".csv", s(pane.x), s(pane.y), s(pane.width),
+                    s(pane.height), used ? shape.background : "0x000000", "false", "0",
+                    used || n == 7 ? "true" : "false"});
   }
   File(folder + "/program.csv", CsvBytes(rows));
 }
@@ -62,49 +66,61 @@ void ProjectBuilder::Playlist(const std::string& folder, int pane, const std::ve
     const Item& i = items[k - 1];
     const std::string& m = i.frame_move;
     Rows rows{{i.path_cell},
-              {i.kind, i.time, "", "false", i.color, i.aspect, "", "0", "0", "0", i.volume, i.effect,
-               i.effect_time, "0", m, m, m, m, i.end_code}};
+              {i.kind, i.time, "", "false", i.color, i.aspect, "", "0", "0", "0", i.volume,
+               i.effect, i.effect_time, "0", m, m, m, m, i.end_code}};
     rows.insert(rows.end(), i.extra.begin(), i.extra.end());
     File(folder + "/information/" + name, CsvBytes(rows));
   }
   File(folder + "/playlist_" + std::to_string(pane) + ".csv", CsvBytes(lines));
 }
 
-std::string CleanTelopUtf8() { return TelopText(48, 1, {"本日はご来場ありがとうございます。", "午後六時に閉館いたします。"}); }
+std::string CleanTelopUtf8() {
+  return TelopText(48, 1, {"本日はご来場ありがとうございます。", "午後六時に閉館いたします。"});
+}
 
 void BuildCleanProject(ProjectBuilder& p) {
-  p.Schedule({ScheduleEntry("2035/01/01", "平日.csv", "true"), ScheduleEntry("2035/01/02", "TimeTable_weekend.csv"),
+  p.Schedule({ScheduleEntry("2035/01/01", "平日.csv", "true"),
+              ScheduleEntry("2035/01/02", "TimeTable_weekend.csv"),
               ScheduleEntry("2035/01/03", "平日.csv")},
              "Schedule.csv", "サンプル スケジュール");
-  p.TimeTable("平日.csv", "平日の番組表",
-              {ProgramLine("09:00:00", "12:00:00", "ニュース番組"), ProgramLine("12:00:00", "18:00:00", "Program_ads"),
-               CommandLine("18:00:00", "3", "HDMI1")});
-  p.TimeTable("TimeTable_weekend.csv", "Weekend", {ProgramLine("10:00:00", "20:00:00", "Program_ads")});
+  p.TimeTable(
+      "平日.csv", "平日の番組表",
+      {ProgramLine("09:00:00", "12:00:00", "ニュース番組"),
+       ProgramLine("12:00:00", "18:00:00", "Program_ads"), CommandLine("18:00:00", "3", "HDMI1")});
+  p.TimeTable("TimeTable_weekend.csv", "Weekend",
+              {ProgramLine("10:00:00", "20:00:00", "Program_ads")});
   ProgramShape news, ads;
   news.title = "ニュース", news.panes = {Pane{1, 0, 0, 1920, 900}, Pane{5, 0, 900, 1920, 180}};
   ads.title = "Advertising", ads.background = "0x000000", ads.panes = {Pane{1, 0, 0, 1920, 1080}};
-  Item movie = MovieItem("オープニング.mp4"), logo = ImageItem("ロゴ.png"), photo = ImageItem("photo.jpeg", "258", "1000");
-  movie.volume = "80", logo.color = "0xffffff", logo.aspect = "1", photo.aspect = "2";  // photo: a wipe, upwards
-  for (const char* folder : {"ニュース番組", "Program_ads"})  // the unused playlists of panes 0 to 7: empty files
-    for (int n = 0; n <= 7; ++n) p.File(std::string(folder) + "/playlist_" + std::to_string(n) + ".csv", "");
+  Item movie = MovieItem("オープニング.mp4"), logo = ImageItem("ロゴ.png"),
+       photo = ImageItem("photo.jpeg", "258", "1000");
+  movie.volume = "80", logo.color = "0xffffff", logo.aspect = "1",
+  photo.aspect = "2";  // photo: a wipe, upwards
+  for (const char* folder :
+       {"ニュース番組", "Program_ads"})  // the unused playlists of panes 0 to 7: empty files
+    for (int n = 0; n <= 7; ++n)
+      p.File(std::string(folder) + "/playlist_" + std::to_string(n) + ".csv", "");
   p.Program("ニュース番組", news);
   p.Playlist("ニュース番組", 1, {movie, logo, photo});
   p.Playlist("ニュース番組", 5, {TelopItem("お知らせ.tlp")});
   p.Program("Program_ads", ads);
   p.Playlist("Program_ads", 1, {ImageItem("ロゴ.png"), BlankItem()});
-  p.Content("オープニング.mp4", kMovieBytes), p.Content("ロゴ.png", "logo"), p.Content("photo.jpeg", "photo");
+  p.Content("オープニング.mp4", kMovieBytes), p.Content("ロゴ.png", "logo"),
+      p.Content("photo.jpeg", "photo");
   p.Content("お知らせ.tlp", Cp932(CleanTelopUtf8()));
 }
 
 void BuildTimeTableProject(ProjectBuilder& p) {
-  p.Schedule({ScheduleEntry("2035/01/01", "TimeTable_a.csv", "true"), ScheduleEntry("2035/01/02", "時間表b.csv")});
+  p.Schedule({ScheduleEntry("2035/01/01", "TimeTable_a.csv", "true"),
+              ScheduleEntry("2035/01/02", "時間表b.csv")});
   p.TimeTable("TimeTable_a.csv", "Morning", {CommandLine("06:00:00", "1", "")});
   p.TimeTable("時間表b.csv", "夜", {CommandLine("22:00:00", "2", "VIDEO1")});
 }
 
 std::vector<const XmlNode*> XmlNode::All(const std::string& child) const {
   std::vector<const XmlNode*> out;
-  for (const auto& c : children) if (c.name == child) out.push_back(&c);
+  for (const auto& c : children)
+    if (c.name == child) out.push_back(&c);
   return out;
 }
 
@@ -118,14 +134,17 @@ const XmlNode& XmlNode::At(const std::string& child) const {
 std::string Outline(const XmlNode& node, int depth) {
   std::string out = std::string(depth, ' ') + node.name;
   for (const auto& [k, v] : node.attrs) out += " " + k + "=" + v;
-  out += (node.text.find_first_not_of(" \t\r\n") != std::string::npos ? ": " + node.text : "") + "\n";
+  out +=
+      (node.text.find_first_not_of(" \t\r\n") != std::string::npos ? ": " + node.text : "") + "\n";
   for (const auto& child : node.children) out += Outline(child, depth + 1);
   return out;
 }
 
 namespace {
 
-std::string Utf8(const XMLCh* text) { return text ? U8(reinterpret_cast<const char16_t*>(text)) : std::string(); }
+std::string Utf8(const XMLCh* text) {
+  return text ? U8(reinterpret_cast<const char16_t*>(text)) : std::string();
+}
 
 XmlNode Convert(const DOMElement* element) {
   XmlNode node{Utf8(element->getTagName()), {}, {}, {}};
@@ -133,7 +152,8 @@ XmlNode Convert(const DOMElement* element) {
   for (XMLSize_t i = 0; attrs && i < attrs->getLength(); ++i)
     node.attrs[Utf8(attrs->item(i)->getNodeName())] = Utf8(attrs->item(i)->getNodeValue());
   for (const DOMNode* k = element->getFirstChild(); k; k = k->getNextSibling()) {
-    if (k->getNodeType() == DOMNode::ELEMENT_NODE) node.children.push_back(Convert(static_cast<const DOMElement*>(k)));
+    if (k->getNodeType() == DOMNode::ELEMENT_NODE)
+      node.children.push_back(Convert(static_cast<const DOMElement*>(k)));
     if (k->getNodeType() == DOMNode::TEXT_NODE) node.text += Utf8(k->getNodeValue());
   }
   return node;
@@ -142,7 +162,8 @@ XmlNode Convert(const DOMElement* element) {
 }  // namespace
 
 XmlNode ParseXml(const std::string& path) {
-  [[maybe_unused]] static const bool started = (XMLPlatformUtils::Initialize(), true);  // for the whole program
+  [[maybe_unused]] static const bool started =
+      (XMLPlatformUtils::Initialize(), true);  // for the whole program
   XercesDOMParser parser;
   HandlerBase handler;
   parser.setErrorHandler(&handler);
@@ -164,8 +185,8 @@ void Unzip(const std::string& zip, const std::string& folder) {
 std::vector<std::string> FilesBelow(const std::string& folder) {
   std::vector<std::string> out;
   std::error_code ec;
-  for (auto it = fs::recursive_directory_iterator(folder, ec); !ec && it != fs::recursive_directory_iterator();
-       it.increment(ec))
+  for (auto it = fs::recursive_directory_iterator(folder, ec);
+       !ec && it != fs::recursive_directory_iterator(); it.increment(ec))
     if (it->is_regular_file()) out.push_back(fs::relative(it->path(), folder).string());
   std::sort(out.begin(), out.end());
   return out;

@@ -19,9 +19,15 @@ using Cell = const std::string&;  // a field in UTF-8
 
 // A whole CSV file: fields given in UTF-8, escaped, in code page 932, CR LF.
 std::string CsvBytes(const Rows& rows);
-inline Row ScheduleEntry(Cell date, Cell timetable, Cell is_default = "false") { return {date, timetable, is_default}; }
-inline Row ProgramLine(Cell start, Cell end, Cell folder) { return {start, end, "0", folder, "0", ""}; }
-inline Row CommandLine(Cell start, Cell type, Cell input) { return {start, "", "1", "", type, input}; }
+inline Row ScheduleEntry(Cell date, Cell timetable, Cell is_default = "false") {
+  return {date, timetable, is_default};
+}
+inline Row ProgramLine(Cell start, Cell end, Cell folder) {
+  return {start, end, "0", folder, "0", ""};
+}
+inline Row CommandLine(Cell start, Cell type, Cell input) {
+  return {start, "", "1", "", type, input};
+}
 
 // One playlist item: line 1 of its contents file ("..\\contents\\a.mp4", empty for a blank),
 // line 2 (19 columns, values that pass the check), further lines.
@@ -32,14 +38,18 @@ struct Item {
   std::string frame_move = "-1", end_code = "11";  // frame_move: columns 14 to 17
   Rows extra = {};
 };
-inline Item MovieItem(Cell file, Cell time = "00:00:30") { return {.path_cell = "..\\contents\\" + file, .time = time}; }
+inline Item MovieItem(Cell file, Cell time = "00:00:30") {
+  return {.path_cell = "..\\contents\\" + file, .time = time};
+}
 inline Item ImageItem(Cell file, Cell effect = "0", Cell effect_time = "0") {
   return {.path_cell = "..\\contents\\" + file, .effect = effect, .effect_time = effect_time};
 }
 inline Item TelopItem(Cell file) { return MovieItem(file, "00:00:20"); }
 inline Item BlankItem(Cell kind = "8") { return {.kind = kind, .time = "00:00:03"}; }
 
-struct Pane { int number = 1, x = 0, y = 0, width = 1920, height = 1080; };  // a pane in use
+struct Pane {
+  int number = 1, x = 0, y = 0, width = 1920, height = 1080;
+};  // a pane in use
 struct ProgramShape {
   std::string title = "Program";
   int x = 0, y = 0, width = 1920, height = 1080;
@@ -56,8 +66,8 @@ class ProjectBuilder {
   const std::string& root() const { return root_; }
   std::string Path(std::string_view relative) const { return root_ + "/" + std::string(relative); }
 
-  void Schedule(const Rows& entries, const std::string& file = "Schedule.csv", const std::string& title = "Schedule",
-                const std::string& add = "false");
+  void Schedule(const Rows& entries, const std::string& file = "Schedule.csv",
+                const std::string& title = "Schedule", const std::string& add = "false");
   void TimeTable(const std::string& file, const std::string& title, const Rows& lines) {
     Schedule(lines, file, title, "0xD4F0FF");  // the same shape: a title, a colour, the rows
   }
@@ -65,21 +75,25 @@ class ProjectBuilder {
   // playlist_<pane>.csv and information/contents_<pane>_<k>.csv per item.
   void Playlist(const std::string& folder, int pane, const std::vector<Item>& items);
   void Content(const std::string& name, std::string_view bytes) { File("contents/" + name, bytes); }
-  void File(const std::string& relative, std::string_view bytes) { WriteFile(Path(relative), bytes); }
+  void File(const std::string& relative, std::string_view bytes) {
+    WriteFile(Path(relative), bytes);
+  }
 
  private:
   std::string root_;
 };
 
-// A project that the check passes, shaped like the bundled sample. The conversion numbers 平日.csv TM1,
-// TimeTable_weekend.csv TM2; Program_ads PG1, ニュース番組 PG2 (frame: オープニング.mp4 CT3, ロゴ.png CT1,
-// photo.jpeg CT4 with a wipe; telop pane 5: お知らせ.tlp CT5 in code page 932); Program_ads plays
-// ロゴ.png and a blank (CT2).
+// A project that the check passes, shaped like the bundled sample. The conversion numbers 平日.csv
+// TM1, TimeTable_weekend.csv TM2; Program_ads PG1, ニュース番組 PG2 (frame: オープニング.mp4 CT3,
+// ロゴ.png CT1, photo.jpeg CT4 with a wipe; telop pane 5: お知らせ.tlp CT5 in code page 932);
+// Program_ads plays ロゴ.png and a blank (CT2).
 void BuildCleanProject(ProjectBuilder& p);
 inline constexpr char kMovieBytes[] = "movie: not really an mp4";
 std::string CleanTelopUtf8();
-void BuildTimeTableProject(ProjectBuilder& p);  // a schedule and two time tables of command rows only
-inline const std::string kSample = std::string(QV_SOURCE_DIR) + "/examples/sample";  // the bundled sample
+void BuildTimeTableProject(
+    ProjectBuilder& p);  // a schedule and two time tables of command rows only
+inline const std::string kSample =
+    std::string(QV_SOURCE_DIR) + "/examples/sample";  // the bundled sample
 
 struct XmlNode {
   std::string name;
@@ -87,9 +101,12 @@ struct XmlNode {
   std::vector<XmlNode> children;  // elements only
   std::string text;
 
-  std::string Attr(const std::string& attr) const { return attrs.count(attr) ? attrs.at(attr) : ""; }
+  std::string Attr(const std::string& attr) const {
+    return attrs.count(attr) ? attrs.at(attr) : "";
+  }
   std::vector<const XmlNode*> All(const std::string& child) const;
-  const XmlNode& At(const std::string& child) const;  // the first; an empty node and a failure if none
+  const XmlNode& At(
+      const std::string& child) const;  // the first; an empty node and a failure if none
 };
 // The tree as text, one element a line, indented one space a level: "name a=1 b=2: text"
 // (attributes sorted, text only when not blank).
@@ -99,10 +116,12 @@ void Unzip(const std::string& zip, const std::string& folder);
 std::vector<std::string> FilesBelow(const std::string& folder);  // plain files, relative, sorted
 // The files below a folder with the stamps of their names as "S", sorted: two runs compare.
 std::vector<std::string> Unstamped(const std::string& folder);
-inline std::vector<std::string> WorkFolders(const std::string& temp) {  // those a run left in <temp>/QvConv
+inline std::vector<std::string> WorkFolders(
+    const std::string& temp) {  // those a run left in <temp>/QvConv
   return IsDir(temp + "/QvConv") ? ListDir(temp + "/QvConv") : std::vector<std::string>{};
 }
-std::vector<std::string> RunEnv(const std::string& temp, const std::string& locale = "C");  // TMPDIR and locale
+std::vector<std::string> RunEnv(const std::string& temp,
+                                const std::string& locale = "C");  // TMPDIR and locale
 
 // A scratch folder with a project, an own temporary folder and places for a package and a report.
 class BlackBoxTest : public ::testing::Test {
@@ -116,7 +135,9 @@ class BlackBoxTest : public ::testing::Test {
   // Runs on project_ (or `input`) with the own temporary folder and locale_.
   RunResult Package(const std::string& input = "") { return RunOn(input, "-package" + zip_); }
   RunResult Check(const std::string& input = "") { return RunOn(input, "-check" + report_); }
-  RunResult Unpackage(const std::string& zip, const std::string& to) { return RunOn(zip, "-unpackage" + to); }
+  RunResult Unpackage(const std::string& zip, const std::string& to) {
+    return RunOn(zip, "-unpackage" + to);
+  }
   std::string Extracted();  // zip_ extracted (once): the path of its QvFormat folder
   XmlNode Doc(const std::string& relative) { return ParseXml(Extracted() + "/" + relative); }
   XmlNode Report() { return ParseXml(report_); }

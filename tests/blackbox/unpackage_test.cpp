@@ -1,5 +1,5 @@
-// Opening plain archives with -unpackage: the destination is emptied and receives the archive's entries;
-// what is no archive leaves no destination.
+// Opening plain archives with -unpackage: the destination is emptied and receives the archive's
+// entries; what is no archive leaves no destination.
 #include <string>
 #include <vector>
 
@@ -44,12 +44,15 @@ TEST_F(Unpackage, NoArchiveLeavesNoDestinationAndNoToolIs402) {
   EXPECT_EQ(Open(scratch_.Sub("missing.zip")), 0);
   EXPECT_FALSE(Exists(dest_));
   // A check run has no destination for the archive.
-  EXPECT_EQ(RunQv({scratch_.Sub("not.zip"), "-unpackage''", "-check''"}, RunEnv(temp_)).status, 255);
+  EXPECT_EQ(RunQv({scratch_.Sub("not.zip"), "-unpackage''", "-check''"}, RunEnv(temp_)).status,
+            255);
 
   // Without the archive tool the destination is not touched.
   WriteFile(dest_ + "/keep.txt", "keep");
   MakeDirs(scratch_.Sub("no_tools"));
-  EXPECT_EQ(Open(PlainZip("a.zip", "f.txt"), {"TMPDIR=" + temp_, "PATH=" + scratch_.Sub("no_tools")}), Status(-402));
+  EXPECT_EQ(
+      Open(PlainZip("a.zip", "f.txt"), {"TMPDIR=" + temp_, "PATH=" + scratch_.Sub("no_tools")}),
+      Status(-402));
   EXPECT_EQ(ReadFile(dest_ + "/keep.txt"), "keep");
 }
 

@@ -63,7 +63,9 @@ TEST_F(WindowsProjects, RenamedOrPaddedNamesConvertWhole) {
          Rename("PROGRAM_ADS/information", "PROGRAM_ADS/Information");
        }},
       {"the content folder and a content file in another case",
-       [&] { Rename("contents", "Contents"), Rename("Contents/photo.jpeg", "Contents/PHOTO.Jpeg"); }},
+       [&] {
+         Rename("contents", "Contents"), Rename("Contents/photo.jpeg", "Contents/PHOTO.Jpeg");
+       }},
       {"names in cells padded with a blank or a dot",
        [&] {
          p_.Schedule({ScheduleEntry("2035/01/01", "平日.csv", "true"),
@@ -77,7 +79,7 @@ TEST_F(WindowsProjects, RenamedOrPaddedNamesConvertWhole) {
          p_.TimeTable("TimeTable_weekend.csv", "Weekend",
                       {ProgramLine("10:00:00", "20:00:00", "Program_ads.")});
          p_.File("Program_ads/playlist_1.csv", CsvBytes({{"information\\contents_1_001.csv  "},
-                                                          {"information\\contents_1_002.csv."}}));
+                                                         {"information\\contents_1_002.csv."}}));
        }},
       {"a step through a folder that is not there",
        [&] {

@@ -25,7 +25,8 @@ TEST(CheckerCatalogue, EveryKeyInBothLanguagesChosenByTheLocale) {
   EXPECT_EQ(english.lookUp(u"msg.CI0121"), english.lookUp(u"msg.CI0100"));  // a shared text
   EXPECT_THROW(english.lookUp(u"msg.CI1300"), std::out_of_range);
   // The language follows the locale.
-  for (const char* name : {"en_US.UTF-8", "en_GB", "en", "C", "C.UTF-8", "POSIX", "English_US.1252"})
+  for (const char* name :
+       {"en_US.UTF-8", "en_GB", "en", "C", "C.UTF-8", "POSIX", "English_US.1252"})
     EXPECT_TRUE(QvChMessage::IsEnglishLocale(name)) << name;
   for (const char* name : {"ja_JP.UTF-8", "de_DE.UTF-8", "fr", "english_fake", "eng_XX"})
     EXPECT_FALSE(QvChMessage::IsEnglishLocale(name)) << name;

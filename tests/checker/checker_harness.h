@@ -18,11 +18,16 @@ namespace checker = quorvane::qvconv::checker;
 namespace xml = quorvane::qvformat::format::io::xml;
 using quorvane::qvconv::converter::QvConvException;
 
-struct ReportResult { std::string id, kind, pane, file, text; };
+struct ReportResult {
+  std::string id, kind, pane, file, text;
+};
 
 class CheckerHarness {
  public:
-  CheckerHarness() { checker.createReport(), checker.setSource(U16(dir.path())), checker.display_region = {0, 0, 1920, 1080}; }
+  CheckerHarness() {
+    checker.createReport(), checker.setSource(U16(dir.path())),
+        checker.display_region = {0, 0, 1920, 1080};
+  }
 
   // Writes a project CSV file (code page 932, CR LF) below the scratch folder.
   std::string Csv(const std::string& relative, const std::vector<std::string>& lines) {
@@ -43,7 +48,9 @@ class CheckerHarness {
     std::vector<ReportResult> results;
     xml::ForEachChildElement(checker.check_result, [&](xercesc::DOMElement* data) {
       xml::ForEachChildElement(data, [&](xercesc::DOMElement* r) {
-        auto attr = [r](const char16_t* name) { return U8(xml::QvFXmlDocument::getAttribute(r, name)); };
+        auto attr = [r](const char16_t* name) {
+          return U8(xml::QvFXmlDocument::getAttribute(r, name));
+        };
         results.push_back({attr(u"id"), attr(u"kind"), attr(u"pane"), attr(u"file"),
                            U8(reinterpret_cast<const char16_t*>(r->getTextContent()))});
       });
@@ -52,7 +59,8 @@ class CheckerHarness {
   }
   std::string Kinds() const {
     std::string text;
-    for (const ReportResult& r : Results()) text += " " + r.id + ":" + r.kind + (r.pane.empty() ? "" : "@" + r.pane);
+    for (const ReportResult& r : Results())
+      text += " " + r.id + ":" + r.kind + (r.pane.empty() ? "" : "@" + r.pane);
     return text.empty() ? text : text.substr(1);
   }
 

@@ -21,7 +21,8 @@ std::string Layout(const std::string& frame, const std::vector<std::string>& pan
 }
 
 std::string Pane(int n, const std::string& region, const std::string& used) {
-  return std::to_string(n) + ",playlist_" + std::to_string(n) + ".csv," + region + ",0x0,false,0," + used;
+  return std::to_string(n) + ",playlist_" + std::to_string(n) + ".csv," + region + ",0x0,false,0," +
+         used;
 }
 
 TEST(CheckerLayout, ProgramFrameAgainstTheRegionAndPaneRoles) {
@@ -29,7 +30,7 @@ TEST(CheckerLayout, ProgramFrameAgainstTheRegionAndPaneRoles) {
   EXPECT_EQ(Layout("5a,0,1920,1080"), "PG0701:E PG0301:E");
   EXPECT_EQ(Layout("0,0,1200,1200"), "PG0501:E");
   EXPECT_EQ(Layout("10,0,5000,5000"), "PG0701:E");  // no size finding after a position finding
-  CheckerHarness h;  // no height cell: no finding
+  CheckerHarness h;                                 // no height cell: no finding
   EXPECT_EQ(h.Check(ChProgram, h.Csv("p.csv", {"n", "0x0,0,0,5000"})), 0);
   EXPECT_FALSE(h.checker.has_result);
   // A position finding of row 1 silences the frame's size test.
@@ -43,7 +44,8 @@ TEST(CheckerLayout, ProgramFrameAgainstTheRegionAndPaneRoles) {
   EXPECT_EQ(Layout(full, {Pane(1, "-1,0,10,10", "true")}), "PG1101:E");
   EXPECT_EQ(Layout(full, {Pane(5, "0,0,1,1", "true"), Pane(6, "0,0,1,1", "true")}), "PG0907:E@1");
   EXPECT_EQ(Layout(full, {Pane(6, "0,0,1,1", "true"), Pane(5, "0,0,1,1", "true")}), "PG0906:E@1");
-  EXPECT_EQ(Layout(full, {Pane(8, "0,0,1,1", "true"), Pane(8, "0,0,1,1", "0"), Pane(8, "0,0,1,1", "false")}),
+  EXPECT_EQ(Layout(full, {Pane(8, "0,0,1,1", "true"), Pane(8, "0,0,1,1", "0"),
+                          Pane(8, "0,0,1,1", "false")}),
             "PG0909:E@0");
   EXPECT_EQ(Layout(full, {Pane(9, "0,0,1,1", "true"), Pane(12, "", ""), "0"}), "");
   // A short pane line ends the walk with -500 thrown by value.
@@ -54,8 +56,9 @@ TEST(CheckerLayout, ProgramFrameAgainstTheRegionAndPaneRoles) {
 TEST(CheckerLayout, BackgroundAndSoundPlaylistsMustBeEmpty) {
   CheckerHarness h;
   h.Csv("P/playlist_0.csv", {}), h.Csv("P/playlist_7.csv", {"information\\\\contents_7_001.csv"});
-  const std::string program = h.Csv("P/program.csv", {"prog", "0xD4F0FF,0,0,1920,1080,00:01:00,0", "0,playlist_0.csv,0,0,0,0,0x0",
-                                                      "7,playlist_7.csv", "0,playlist_7.csv", "7,missing.csv", "0"});
+  const std::string program = h.Csv(
+      "P/program.csv", {"prog", "0xD4F0FF,0,0,1920,1080,00:01:00,0", "0,playlist_0.csv,0,0,0,0,0x0",
+                        "7,playlist_7.csv", "0,playlist_7.csv", "7,missing.csv", "0"});
   EXPECT_EQ(h.Check(ChProgram, program), 0);
   EXPECT_EQ(h.Kinds(), "PG0908:E@1 PG0901:E@2");
 }
@@ -72,14 +75,16 @@ TEST(CheckerContent, ExtensionsColoursAndEffects) {
   for (const auto& [content, type, expected] : cases) {
     CheckerHarness h;
     EXPECT_EQ(h.Check(ChContentsInfo, h.Csv("c.csv", {content, type + ",,,,0x0"})), 0);
-    EXPECT_EQ(h.Kinds() + (h.Results().empty() ? "" : " " + h.Results()[0].text), expected) << content;
+    EXPECT_EQ(h.Kinds() + (h.Results().empty() ? "" : " " + h.Results()[0].text), expected)
+        << content;
   }
   // No colour, effect 15 however packed, an unknown direction, no effect cell.
   CheckerHarness h;
   int n = 0;
-  for (const char* cells : {",,0,,0,0,0,100,15", ",0x0,0,,0,0,0,100,271", ",0x0,0,,0,0,0,100,14", ",0x0,0,,0,0,0,100,-246",
-                            ",0x0,0,,0,0,0,100,", ""})
-    h.Check(ChContentsInfo, h.Csv(std::to_string(++n) + ".csv", {"a.jpg", std::string("1,00:00:05,,false") + cells}));
+  for (const char* cells : {",,0,,0,0,0,100,15", ",0x0,0,,0,0,0,100,271", ",0x0,0,,0,0,0,100,14",
+                            ",0x0,0,,0,0,0,100,-246", ",0x0,0,,0,0,0,100,", ""})
+    h.Check(ChContentsInfo, h.Csv(std::to_string(++n) + ".csv",
+                                  {"a.jpg", std::string("1,00:00:05,,false") + cells}));
   EXPECT_EQ(h.Kinds(), "CHECK_COLOR:E CI1401:E CI1401:E CI1380:E");
 }
 
@@ -90,7 +95,8 @@ std::string Telop(int font_size, const std::string& line) {
 
 std::string Utf16Le(const std::string& utf8) {
   std::string out = "\xFF\xFE";
-  for (const char16_t c : U16(utf8)) out += {static_cast<char>(c & 0xFF), static_cast<char>(c >> 8)};
+  for (const char16_t c : U16(utf8))
+    out += {static_cast<char>(c & 0xFF), static_cast<char>(c >> 8)};
   return out;
 }
 

@@ -11,10 +11,13 @@ using checker::ChProgram;
 using checker::ChSchedule;
 using checker::ChTimeTable;
 
-// A contents file: the content, then its 19 properties with `type`, colour and the frame move cells as given.
+// A contents file: the content, then its 19 properties with `type`, colour and the frame move cells
+// as given.
 std::vector<std::string> Contents(const std::string& content, const std::string& type,
-                                  const std::string& colour = "0x000000", const std::string& move = "-1") {
-  return {content, type + ",00:00:10,,false," + colour + ",0,,0,0,0,100,0,0,0," + move + ",-1,-1,-1,11"};
+                                  const std::string& colour = "0x000000",
+                                  const std::string& move = "-1") {
+  return {content,
+          type + ",00:00:10,,false," + colour + ",0,,0,0,0,100,0,0,0," + move + ",-1,-1,-1,11"};
 }
 
 TEST(CheckerReport, PaneOverrideAndKeysWithoutText) {
@@ -86,8 +89,9 @@ TEST(CheckerSchedule, DateCellKeepsItsFieldWidthsAndWindowsWhiteSpace) {
   const std::string today = kToday;
   const std::string spaced =
       "\u3000" + today.substr(0, 5) + "\u3000" + today.substr(5, 3) + "\u3000" + today.substr(8);
-  EXPECT_EQ(h.Check(ChSchedule, h.Csv("Schedule_1.csv", {"n", "f", spaced + ",TM_a.csv",
-                                                           today + "9,TM_b.csv"})), 0);
+  EXPECT_EQ(h.Check(ChSchedule, h.Csv("Schedule_1.csv",
+                                      {"n", "f", spaced + ",TM_a.csv", today + "9,TM_b.csv"})),
+            0);
   EXPECT_EQ(U8(h.checker.today_timetable), "TM_b.csv");
   EXPECT_EQ(h.Kinds(), "");
 }
@@ -97,8 +101,10 @@ TEST(CheckerSchedule, DateCellKeepsItsFieldWidthsAndWindowsWhiteSpace) {
 TEST(CheckerTimeTable, TodaysTimesAgainstTheClock) {
   FixedClock clock(Noon());
   CheckerHarness h;
-  EXPECT_EQ(h.Check(ChSchedule, h.Csv("Schedule_1.csv", {"n", "f", std::string(kToday) + ",TM_t.csv",
-                                                           "2030/06/16,TM_o.csv"})), 0);
+  EXPECT_EQ(
+      h.Check(ChSchedule, h.Csv("Schedule_1.csv", {"n", "f", std::string(kToday) + ",TM_t.csv",
+                                                   "2030/06/16,TM_o.csv"})),
+      0);
   EXPECT_EQ(h.Check(ChTimeTable, h.Csv("TM_t.csv", {"t", "x", "11:59:59,12:00:01,,,,"})), 0);
   EXPECT_EQ(h.Check(ChTimeTable, h.Csv("TM_o.csv", {"t", "x", "00:00:00,00:00:00,,,,"})), 0);
   EXPECT_EQ(h.Kinds(), "TM0301:W");

@@ -37,15 +37,16 @@ TEST(CsvFileSyntax, SplitsEscapesLineEndsAndTheLineLimit) {
       {"a\r\nb\nc\r\n", "a|;b|;c|;"},
       {"", ""},
       {"a\\,b,c\\\\,d", "a,b|c\\|d|;"},
-      {"a\\", "a\\|;"},           // a backslash at the end stays
+      {"a\\", "a\\|;"},  // a backslash at the end stays
       {"\\\\\\", "\\\\|;"},
       {"x\\\\\\,y", "x\\,y|;"},
       {std::string("ab\0c,d\nnext", 11), "ab|;next|;"},  // a NUL ends the line
-      {"a\r\nb\r\n\x1a", "a|;b|;"},                       // an end-of-file mark ends the text
+      {"a\r\nb\r\n\x1a", "a|;b|;"},                      // an end-of-file mark ends the text
       {"a\x1a,b\nc", "a|;"},
       // 表 and ソ end in the byte 0x5C, the code of a backslash: no escape.
       {Cp932("表示,ソフト\\,名"), "表示|ソフト,名|;"},
-      // A line of 1024 bytes or more ends the read silently; the limit counts bytes of code page 932.
+      // A line of 1024 bytes or more ends the read silently; the limit counts bytes of code page
+      // 932.
       {at_limit + "\r\nz\n", at_limit + "|;z|;"},
       {"first\n" + std::string(1024, 'y') + "\nthird\n", "first|;"},
       {kana, ""},

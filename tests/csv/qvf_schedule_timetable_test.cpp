@@ -37,19 +37,24 @@ TEST_F(CsvScheduleTimeTable, ScheduleReadTakesNamesFlagsAndDates) {
   // an empty name is a name; an empty date is today's.
   std::string entries = U8(s.schedule_list.name + u" " + f::FormatFlag(s.schedule_list.add));
   for (const f::QvFScheduleEntry& e : s.schedule_list.schedules)
-    entries += ";" + U8(f::FormatDate(e.date) + u" " + e.ref_timetable.text) + (e.default_ ? " true" : "");
+    entries +=
+        ";" + U8(f::FormatDate(e.date) + u" " + e.ref_timetable.text) + (e.default_ ? " true" : "");
   const std::string today = U8(f::FormatDate(f::QvFLocalNow()));
-  EXPECT_EQ(entries, "週間予定 true;2024/03/09 TM1 true;" + today + " TM2;2025/12/31 TM1;" + today + " TM3");
+  EXPECT_EQ(entries,
+            "週間予定 true;2024/03/09 TM1 true;" + today + " TM2;2025/12/31 TM1;" + today + " TM3");
 }
 
 TEST_F(CsvScheduleTimeTable, ShortFilesAndLines) {
   f::QvFSchedule empty = reader_.readSchedule(Project("e.csv", "\nyes\n"));
   EXPECT_TRUE(!empty.schedule_list.add && empty.schedule_list.schedules.empty());
-  EXPECT_TRUE(reader_.readTimeTable(Project("two.csv", "name\n0xD4F0FF\n"))->table_list.tables.empty());
+  EXPECT_TRUE(
+      reader_.readTimeTable(Project("two.csv", "name\n0xD4F0FF\n"))->table_list.tables.empty());
   EXPECT_EQ(CodeOf([&] { reader_.readSchedule(Project("o.csv", "n\ntrue\n2024/01/01\n")); }), -102);
   EXPECT_EQ(CodeOf([&] { reader_.readSchedule(U16(dir_.Sub("missing.csv"))); }), -101);
   for (std::string line : {"", "08:00:00,09:00:00", "08:00:00,09:00:00,0", "08:00:00,,1,,3"})
-    EXPECT_EQ(CodeOf([&] { reader_.readTimeTable(Project("s.csv", "n\nc\n" + line + "\n")); }), -102) << line;
+    EXPECT_EQ(CodeOf([&] { reader_.readTimeTable(Project("s.csv", "n\nc\n" + line + "\n")); }),
+              -102)
+        << line;
   empty.schedule_list.add = true;
   writer_.outputSchedule(U16(dir_.Sub("none.csv")), empty);
   EXPECT_EQ(qvtest::ReadFile(dir_.Sub("none.csv")), "\r\ntrue\r\n");
@@ -57,21 +62,27 @@ TEST_F(CsvScheduleTimeTable, ShortFilesAndLines) {
 }
 
 TEST_F(CsvScheduleTimeTable, TimeTableReadRowKinds) {
-  auto t = reader_.readTimeTable(Project("t.csv",
-                                         "朝\n0xD4F0FF\n08:00:00,09:30:00,0,番組A,0,\n9:5:1,,0,番組B\n"
-                                         "10:00:00,,1,,3,HDMI1\n11:00:00,x,1,y,,\n12:00:00,,2\n"
-                                         "13:00:00,14:00:00,0,番組A,0,\n"));
+  auto t =
+      reader_.readTimeTable(Project("t.csv",
+                                    "朝\n0xD4F0FF\n08:00:00,09:30:00,0,番組A,0,\n9:5:1,,0,番組B\n"
+                                    "10:00:00,,1,,3,HDMI1\n11:00:00,x,1,y,,\n12:00:00,,2\n"
+                                    "13:00:00,14:00:00,0,番組A,0,\n"));
   // Start, then the program or the command's type and input, of each row.
-  std::string rows = U8(t->table_list.name + u" " + f::FormatTime(t->table_list.tables.at(0).program->end_time));
+  std::string rows =
+      U8(t->table_list.name + u" " + f::FormatTime(t->table_list.tables.at(0).program->end_time));
   for (const f::QvFTable& row : t->table_list.tables) {
     rows += ";";
-    if (row.program) rows += U8(f::FormatTime(row.program->start_time) + u" " + row.program->ref_program.text);
+    if (row.program)
+      rows += U8(f::FormatTime(row.program->start_time) + u" " + row.program->ref_program.text);
     if (row.command)
-      rows += U8(f::FormatTime(row.command->start_time) + u" " + f::FormatInt(row.command->type) + u" " + row.command->target_input);
+      rows += U8(f::FormatTime(row.command->start_time) + u" " + f::FormatInt(row.command->type) +
+                 u" " + row.command->target_input);
   }
-  EXPECT_EQ(rows, "朝 09:30:00;08:00:00 PG1;09:05:01 PG2;10:00:00 3 HDMI1;11:00:00 0 ;;13:00:00 PG1");
+  EXPECT_EQ(rows,
+            "朝 09:30:00;08:00:00 PG1;09:05:01 PG2;10:00:00 3 HDMI1;11:00:00 0 ;;13:00:00 PG1");
   // Command lines add nothing to the program folders.
-  EXPECT_EQ(reader_.index().programFolders(), (std::vector<std::u16string>{U16("番組A"), U16("番組B")}));
+  EXPECT_EQ(reader_.index().programFolders(),
+            (std::vector<std::u16string>{U16("番組A"), U16("番組B")}));
 }
 
 // A program wins over a command, a row of neither writes no line, and
@@ -90,7 +101,8 @@ TEST_F(CsvScheduleTimeTable, TimeTableWrite) {
   t.table_list.tables = {program_row, command_row, f::QvFTable(), again, program_row};
   writer_.outputTimeTable(U16(dir_.Sub("tt.csv")), t);
   EXPECT_EQ(qvtest::ReadFile(dir_.Sub("tt.csv")),
-            Cp932("夜の表\r\n0xD4F0FF\r\n07:05:03,23:59:59,0,Program_20240101_000000_001,0,\r\n12:00:30,,1,,-4,in\\,1\r\n"
+            Cp932("夜の表\r\n0xD4F0FF\r\n07:05:03,23:59:59,0,Program_20240101_000000_001,0,\r\n12:"
+                  "00:30,,1,,-4,in\\,1\r\n"
                   "07:05:03,23:59:59,0,Program_20240101_000000_002,0,\r\n"
                   "07:05:03,23:59:59,0,Program_20240101_000000_001,0,\r\n"));
 }

@@ -1,4 +1,5 @@
-// Text forms: colours both ways, date and time scans with the fields they leave alone, _wtoi integers, flags.
+// Text forms: colours both ways, date and time scans with the fields they leave alone, _wtoi
+// integers, flags.
 #include "model/qvf_text_forms.h"
 #include "model/qvf_number_scan.h"
 
@@ -10,7 +11,11 @@
 namespace quorvane::qvformat::format {
 namespace {
 
-QvFColor Color(int a, int r, int g, int b) { QvFColor c; c.a = a, c.r = r, c.g = g, c.b = b; return c; }
+QvFColor Color(int a, int r, int g, int b) {
+  QvFColor c;
+  c.a = a, c.r = r, c.g = g, c.b = b;
+  return c;
+}
 
 std::array<int, 4> Parts(const QvFColor& c) { return {c.a, c.r, c.g, c.b}; }
 
@@ -37,15 +42,19 @@ TEST(ModelTextForms, ColoursBothFormsBothWays) {
   EXPECT_EQ(FormatColorHash(Color(255, 212, 240, 255)), u"#d4f0ff");  // opaque: six digits
   EXPECT_EQ(FormatColorHex(Color(128, 1, 2, 3)), u"0x80010203");
 
-  const struct { std::u16string text; QvFColor before; std::array<int, 4> after; } cases[] = {
+  const struct {
+    std::u16string text;
+    QvFColor before;
+    std::array<int, 4> after;
+  } cases[] = {
       {u"0x80010203", QvFColor(), {128, 1, 2, 3}},
       {u"0x000000", QvFColor(), {255, 0, 0, 0}},            // six digits keep alpha
       {u"#D4F0FF", Color(7, 0, 0, 0), {7, 212, 240, 255}},  // both cases read
       {u"#00000000", QvFColor(), {0, 0, 0, 0}},
-      {u"", Color(1, 2, 3, 4), {1, 2, 3, 4}},               // empty changes nothing
-      {u"#12zz5678", QvFColor(), {0, 0, 0, 0x12}},          // digits stop; length decides alpha
-      {u"#1ffffffff", QvFColor(), {255, 255, 255, 255}},    // overflow: the largest value
-      {u"#-1", QvFColor(), {255, 255, 255, 255}},           // a sign wraps round
+      {u"", Color(1, 2, 3, 4), {1, 2, 3, 4}},             // empty changes nothing
+      {u"#12zz5678", QvFColor(), {0, 0, 0, 0x12}},        // digits stop; length decides alpha
+      {u"#1ffffffff", QvFColor(), {255, 255, 255, 255}},  // overflow: the largest value
+      {u"#-1", QvFColor(), {255, 255, 255, 255}},         // a sign wraps round
   };
   for (const auto& c : cases) {
     QvFColor color = c.before;
@@ -83,15 +92,22 @@ TEST(ModelTextForms, DatesScanAtMostFourTwoTwoDigitsTimesTwoEach) {
 }
 
 TEST(ModelTextForms, IntegersAndRegions) {
-  const std::pair<std::u16string_view, int> ints[] = {
-      {u"  -17px", -17}, {u"+8", 8}, {u"", 0}, {u"- 5", 0},
-      {u"99999999999999999999", 2147483647}, {u"-2147483648", -2147483647 - 1}};
+  const std::pair<std::u16string_view, int> ints[] = {{u"  -17px", -17},
+                                                      {u"+8", 8},
+                                                      {u"", 0},
+                                                      {u"- 5", 0},
+                                                      {u"99999999999999999999", 2147483647},
+                                                      {u"-2147483648", -2147483647 - 1}};
   for (const auto& [text, value] : ints) EXPECT_EQ(ParseInt(text), value);
   EXPECT_EQ(FormatInt(-2147483647 - 1), u"-2147483648");
   // The hexadecimal reading of the check table's numbers: wcstol base 16.
-  const std::pair<std::u16string_view, int> hex[] = {
-      {u" ff", 255}, {u"0x7fffffff", 2147483647}, {u"-0x80000000", -2147483647 - 1},
-      {u"0x", 0}, {u"0xg", 0}, {u"-1ffffffff", -2147483647 - 1}, {u"100000000", 2147483647}};
+  const std::pair<std::u16string_view, int> hex[] = {{u" ff", 255},
+                                                     {u"0x7fffffff", 2147483647},
+                                                     {u"-0x80000000", -2147483647 - 1},
+                                                     {u"0x", 0},
+                                                     {u"0xg", 0},
+                                                     {u"-1ffffffff", -2147483647 - 1},
+                                                     {u"100000000", 2147483647}};
   for (const auto& [text, value] : hex) EXPECT_EQ(ParseLong(text, 16), value);
 
   QvFRegion region;

@@ -14,14 +14,36 @@ TEST(TelopRecoding, TextBecomesUtf8ByItsMark) {
   // Text mode: a bare line feed is written as CR LF, a lone CR stays, and a Ctrl-Z ends the text.
   EXPECT_EQ(TelopAsUtf8(Cp932("一\n二\r三\r\r\n四\x1a五\n"), 0), "一\r\n二\r三\r\r\n四");
   EXPECT_EQ(TelopAsUtf8("\n\x1a", 0), "\r\n");
-  // A UTF-8 mark is not honoured, and big-endian UTF-16 is read as code page 932 too: its zero bytes stay.
-  EXPECT_NE(TelopAsUtf8("\xEF\xBB\xBF" "abc", 3), "abc");
-  EXPECT_EQ(TelopAsUtf8(std::string("\xFE\xFF\x00" "a", 4).substr(2), 2), std::string("\0a", 2));
-  // Little-endian UTF-16 drops its mark and line feeds; reading ends at a character beyond the basic
-  // plane, and an odd last byte is no character.
-  EXPECT_EQ(TelopAsUtf8(std::string("\xFF\xFE" "a\0\r\0\n\0\x42\x30\n\0", 12), 1), "a\r\xE3\x81\x82");
-  EXPECT_EQ(TelopAsUtf8(std::string("\xFF\xFE" "x\0\x3D\xD8\x00\xDE" "y\0", 10), 1), "x");
-  EXPECT_EQ(TelopAsUtf8(std::string("\xFF\xFE" "z\0!", 5), 1), "z");
+  // A UTF-8 mark is not honoured, and big-endian UTF-16 is read as code page 932 too: its zero
+  // bytes stay.
+  EXPECT_NE(TelopAsUtf8("\xEF\xBB\xBF"
+                        "abc",
+                        3),
+            "abc");
+  EXPECT_EQ(TelopAsUtf8(std::string("\xFE\xFF\x00"
+                                    "a",
+                                    4)
+                            .substr(2),
+                        2),
+            std::string("\0a", 2));
+  // Little-endian UTF-16 drops its mark and line feeds; reading ends at a character beyond the
+  // basic plane, and an odd last byte is no character.
+  EXPECT_EQ(TelopAsUtf8(std::string("\xFF\xFE"
+                                    "a\0\r\0\n\0\x42\x30\n\0",
+                                    12),
+                        1),
+            "a\r\xE3\x81\x82");
+  EXPECT_EQ(TelopAsUtf8(std::string("\xFF\xFE"
+                                    "x\0\x3D\xD8\x00\xDE"
+                                    "y\0",
+                                    10),
+                        1),
+            "x");
+  EXPECT_EQ(TelopAsUtf8(std::string("\xFF\xFE"
+                                    "z\0!",
+                                    5),
+                        1),
+            "z");
 }
 
 TEST(TelopRecoding, CopyWritesUtf8AndFailsOnlyWithoutASource) {
@@ -30,14 +52,16 @@ TEST(TelopRecoding, CopyWritesUtf8AndFailsOnlyWithoutASource) {
   CopyTelopAsText(U16(dir.Sub("t.tlp")), U16(dir.Sub("CT1.tlp")));
   EXPECT_EQ(qvtest::ReadFile(dir.Sub("CT1.tlp")), "速報");
   // No source: the mark cannot be read, which is a failed copy.
-  EXPECT_THROW(CopyTelopAsText(U16(dir.Sub("missing.tlp")), U16(dir.Sub("x.tlp"))), std::runtime_error);
+  EXPECT_THROW(CopyTelopAsText(U16(dir.Sub("missing.tlp")), U16(dir.Sub("x.tlp"))),
+               std::runtime_error);
   // A target that cannot be made is passed over, and so is one that fills up.
   EXPECT_NO_THROW(CopyTelopAsText(U16(dir.Sub("t.tlp")), U16(dir.Sub("no/such/x.tlp"))));
   EXPECT_NO_THROW(CopyTelopAsText(U16(dir.Sub("t.tlp")), u"/dev/full"));
 }
 
 TEST(PackageNames, OnlyPlainNamesBecomePathsAndEachIsListedOnce) {
-  for (const char16_t* good : {u"TM1", u"CT1.mp4", u"..x"}) EXPECT_TRUE(IsPlainName(good)) << qvtest::U8(good);
+  for (const char16_t* good : {u"TM1", u"CT1.mp4", u"..x"})
+    EXPECT_TRUE(IsPlainName(good)) << qvtest::U8(good);
   for (const char16_t* bad : {u"", u".", u"..", u"../x", u"a/b", u"a\\b", u"..\\..\\etc"})
     EXPECT_FALSE(IsPlainName(bad)) << qvtest::U8(bad);
   EXPECT_FALSE(IsPlainName(std::u16string(u"a\0b", 3)));

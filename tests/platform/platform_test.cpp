@@ -25,9 +25,16 @@ TEST(TextCodec, Cp932AndUtf8BothWays) {
   EXPECT_EQ(qvtest::Utf8FromCp932(bytes), qvtest::U8(text));
   // A lone lead byte at the end and an unassigned pair decode to U+30FB.
   EXPECT_EQ(Utf16FromCp932(std::string("a\x81", 2)), u"a\u30FB");
-  EXPECT_EQ(Utf16FromCp932(std::string("\x85\x40" "b", 3)), u"\u30FB" u"b");
+  EXPECT_EQ(Utf16FromCp932(std::string("\x85\x40"
+                                       "b",
+                                       3)),
+            u"\u30FB"
+            u"b");
   // The single bytes that Windows reads as characters of their own come back whole.
-  const std::string extras("\x80\xA0\xFD\xFE\xFF" "\x82\xA0", 7);
+  const std::string extras(
+      "\x80\xA0\xFD\xFE\xFF"
+      "\x82\xA0",
+      7);
   EXPECT_EQ(Utf16FromCp932(extras), u"\u0080\uF8F0\uF8F1\uF8F2\uF8F3\u3042");
   EXPECT_EQ(Cp932FromUtf16(Utf16FromCp932(extras)), extras);
   // A character outside code page 932 becomes "?", one outside the basic plane "??".
@@ -40,8 +47,10 @@ TEST(TextCodec, Cp932AndUtf8BothWays) {
   EXPECT_EQ(Utf8FromUtf16(wide), "a\xC3\xA9\xE3\x81\x82\xF0\x9F\x98\x80");
   EXPECT_EQ(Utf16FromUtf8(Utf8FromUtf16(wide)), wide);
   EXPECT_EQ(Utf8FromUtf16(std::u16string(1, char16_t(0xD800))), "\xEF\xBF\xBD");
-  EXPECT_EQ(Utf16FromUtf8("\xC0\xAF" "z"), u"\uFFFD\uFFFDz");  // overlong form
-  EXPECT_EQ(Utf16FromUtf8("\xE3\x81"), u"\uFFFD\uFFFD");       // cut off
+  EXPECT_EQ(Utf16FromUtf8("\xC0\xAF"
+                          "z"),
+            u"\uFFFD\uFFFDz");                            // overlong form
+  EXPECT_EQ(Utf16FromUtf8("\xE3\x81"), u"\uFFFD\uFFFD");  // cut off
   EXPECT_EQ(Utf16FromUtf16Bytes(std::string("\x42\x30\x41", 3), false), u"\u3042");
   EXPECT_EQ(Utf16FromUtf16Bytes(std::string("\x30\x42", 2), true), u"\u3042");
 }
@@ -57,7 +66,8 @@ TEST(FileSystem, FoldersFilesAndWhatIsNoFile) {
   std::vector<DirEntry> entries;
   ASSERT_TRUE(ListDirectory(root, &entries));
   std::string listed;  // in name order, folders with "/", read-only files with "(ro)"
-  for (const DirEntry& e : entries) listed += qvtest::U8(e.name) + (e.is_directory ? "/ " : e.read_only ? "(ro) " : " ");
+  for (const DirEntry& e : entries)
+    listed += qvtest::U8(e.name) + (e.is_directory ? "/ " : e.read_only ? "(ro) " : " ");
   EXPECT_EQ(listed, "a.csv(ro) b/ 日本.txt ");
   EXPECT_FALSE(ListDirectory(root + u"/missing", &entries));
   EXPECT_TRUE(MakeWritable(root + u"/a.csv"));
@@ -151,7 +161,8 @@ TEST(SystemInfo, TempFolderUuidAndLocale) {
   EXPECT_EQ(id[14], '4');  // a random UUID
   EXPECT_NE(NewUuid(), NewUuid());
 
-  qvtest::EnvOverride all("LC_ALL", ""), messages("LC_MESSAGES", "ja_JP.UTF-8"), lang("LANG", "en_US.UTF-8");
+  qvtest::EnvOverride all("LC_ALL", ""), messages("LC_MESSAGES", "ja_JP.UTF-8"),
+      lang("LANG", "en_US.UTF-8");
   EXPECT_EQ(MessageLocaleName(), "ja_JP.UTF-8");
   ::setenv("LC_ALL", "C", 1);
   EXPECT_EQ(MessageLocaleName(), "C");

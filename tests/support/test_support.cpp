@@ -96,9 +96,18 @@ bool Exists(const std::string& path) {
   struct stat st;
   return ::lstat(path.c_str(), &st) == 0;
 }
-bool IsDir(const std::string& path) { std::error_code ec; return fs::is_directory(path, ec); }
-void MakeDirs(const std::string& path) { std::error_code ec; fs::create_directories(path, ec); }
-void RemoveAll(const std::string& path) { std::error_code ec; fs::remove_all(path, ec); }
+bool IsDir(const std::string& path) {
+  std::error_code ec;
+  return fs::is_directory(path, ec);
+}
+void MakeDirs(const std::string& path) {
+  std::error_code ec;
+  fs::create_directories(path, ec);
+}
+void RemoveAll(const std::string& path) {
+  std::error_code ec;
+  fs::remove_all(path, ec);
+}
 
 std::vector<std::string> ListDir(const std::string& path) {
   std::vector<std::string> names;
@@ -129,7 +138,8 @@ RunResult Run(const std::vector<std::string>& args, const std::vector<std::strin
   auto key = [](const std::string& entry) { return entry.substr(0, entry.find('=')); };
   std::vector<std::string> env_strings, argv_strings(args);
   for (char** e = environ; *e; ++e)  // the given entries replace those of the same name
-    if (std::none_of(env.begin(), env.end(), [&](const std::string& x) { return key(x) == key(*e); }))
+    if (std::none_of(env.begin(), env.end(),
+                     [&](const std::string& x) { return key(x) == key(*e); }))
       env_strings.push_back(*e);
   env_strings.insert(env_strings.end(), env.begin(), env.end());
   auto pointers = [](std::vector<std::string>& strings) {
@@ -150,7 +160,8 @@ RunResult Run(const std::vector<std::string>& args, const std::vector<std::strin
   pid_t pid = 0;
   int rc;
   {
-    std::optional<EnvOverride> path;  // an environment that changes PATH must also be the one searched
+    std::optional<EnvOverride>
+        path;  // an environment that changes PATH must also be the one searched
     for (const auto& e : env)
       if (key(e) == "PATH") path.emplace("PATH", e.substr(5));
     rc = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), envp.data());
@@ -196,7 +207,8 @@ std::string FirstStamp(const std::string& text) {
 
 std::string EraseAll(std::string text, const std::vector<std::string>& pieces) {
   for (const std::string& piece : pieces)
-    for (std::size_t at; (at = text.find(piece)) != std::string::npos;) text.erase(at, piece.size());
+    for (std::size_t at; (at = text.find(piece)) != std::string::npos;)
+      text.erase(at, piece.size());
   return text;
 }
 
@@ -204,7 +216,8 @@ std::string DateFromToday(int days) {
   const std::time_t when = std::time(nullptr) + static_cast<std::time_t>(days) * 86400;
   std::tm tm{};
   char buffer[32];
-  return std::string(buffer, std::strftime(buffer, sizeof buffer, "%Y/%m/%d", localtime_r(&when, &tm)));
+  return std::string(buffer,
+                     std::strftime(buffer, sizeof buffer, "%Y/%m/%d", localtime_r(&when, &tm)));
 }
 
 void ZipFolderContents(const std::string& folder, const std::string& zip) {
@@ -260,15 +273,28 @@ std::string StoredZip(const std::vector<ZipEntry>& entries) {
       for (int k = 0; k < 8; ++k, byte >>= 1)
         crc = (crc >> 1) ^ (0xEDB88320u & -((crc ^ byte) & 1u));
     // From "version needed" to the extra field's length, in both headers.
-    const std::string common = Le({{20, 2}, {utf8 ? 0x800 : 0, 2}, {0, 4}, {0x21, 2}, {~crc, 4},
-                                   {data.size(), 4}, {data.size(), 4}, {name.size(), 2}, {0, 2}});
+    const std::string common = Le({{20, 2},
+                                   {utf8 ? 0x800 : 0, 2},
+                                   {0, 4},
+                                   {0x21, 2},
+                                   {~crc, 4},
+                                   {data.size(), 4},
+                                   {data.size(), 4},
+                                   {name.size(), 2},
+                                   {0, 2}});
     // Made by Unix (3) when a mode is given, so that the mode counts.
     directory += Le({{0x02014b50, 4}, {mode != 0 ? 0x0314u : 20u, 2}}) + common +
                  Le({{0, 6}, {mode << 16, 4}, {body.size(), 4}}) + name;
     body += Le({{0x04034b50, 4}}) + common + name + data;
   }
-  return body + directory + Le({{0x06054b50, 4}, {0, 4}, {entries.size(), 2}, {entries.size(), 2},
-                                {directory.size(), 4}, {body.size(), 4}, {0, 2}});
+  return body + directory +
+         Le({{0x06054b50, 4},
+             {0, 4},
+             {entries.size(), 2},
+             {entries.size(), 2},
+             {directory.size(), 4},
+             {body.size(), 4},
+             {0, 2}});
 }
 
 std::vector<std::pair<std::string, bool>> ZipNames(const std::string& zip) {

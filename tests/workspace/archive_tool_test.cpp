@@ -106,8 +106,8 @@ TEST_F(ArchiveTool, ProbeAnswersAsAWholeExtractionWould) {
     EXPECT_EQ(Probe(scratch_.Sub("w.zip")), c.package) << c.entries[0].name;
   }
   // A damaged package: cut short, or its marker's bytes spoilt.
-  const std::string zip = qvtest::StoredZip({{"QvFormat/QvT/TM1.xml", std::string(4000, 't')},
-                                             {"QvFormat/QvS.xml", "<s/>"}});
+  const std::string zip = qvtest::StoredZip(
+      {{"QvFormat/QvT/TM1.xml", std::string(4000, 't')}, {"QvFormat/QvS.xml", "<s/>"}});
   qvtest::WriteFile(scratch_.Sub("cut.zip"), zip.substr(0, zip.size() / 2));
   EXPECT_FALSE(Probe(scratch_.Sub("cut.zip")));
   qvtest::WriteFile(scratch_.Sub("cut.zip"), zip.substr(0, zip.size() - 30));
@@ -163,7 +163,8 @@ TEST_F(ArchiveTool, PackTakesPathsAsPathsAndNeedsTheTool) {
   ASSERT_EQ(::chdir(old.c_str()), 0);
   EXPECT_TRUE(package);
   qvtest::NoTools no_tools;
-  const std::u16string folder = U16(scratch_.Sub("-work/QvFormat")), zip = U16(scratch_.Sub("new.zip"));
+  const std::u16string folder = U16(scratch_.Sub("-work/QvFormat")),
+                       zip = U16(scratch_.Sub("new.zip"));
   EXPECT_EQ(qvtest::CodeOf([&] { PackFolder(folder, zip, false); }), -401);
 }
 

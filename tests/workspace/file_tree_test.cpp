@@ -1,7 +1,7 @@
 #include "workspace/file_tree.h"
 
-#include <gtest/gtest.h>
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -21,7 +21,8 @@ TEST(DeleteTree, RemovesEverythingReadOnlyIncludedButNeverFollowsLinks) {
   qvtest::WriteFile(outside + "/keep.txt", "keep");
   qvtest::WriteFile(top + "/a.txt", "a");
   qvtest::WriteFile(top + "/sub/deeper/.b", "b");
-  for (const char* ro : {"/a.txt", "/sub/deeper/.b", "/sub/deeper"}) ::chmod((top + ro).c_str(), 0555);
+  for (const char* ro : {"/a.txt", "/sub/deeper/.b", "/sub/deeper"})
+    ::chmod((top + ro).c_str(), 0555);
   ASSERT_EQ(::symlink(outside.c_str(), (top + "/to_folder").c_str()), 0);
   ASSERT_EQ(::symlink((outside + "/keep.txt").c_str(), (top + "/sub/to_file").c_str()), 0);
 
@@ -29,7 +30,7 @@ TEST(DeleteTree, RemovesEverythingReadOnlyIncludedButNeverFollowsLinks) {
   EXPECT_FALSE(qvtest::Exists(top));
   EXPECT_EQ(qvtest::ReadFile(outside + "/keep.txt"), "keep");
 
-  EXPECT_FALSE(DeleteTree(U16(top)));  // no longer there
+  EXPECT_FALSE(DeleteTree(U16(top)));                    // no longer there
   EXPECT_FALSE(DeleteTree(U16(outside + "/keep.txt")));  // no folder
   ASSERT_EQ(::symlink(outside.c_str(), top.c_str()), 0);
   EXPECT_FALSE(DeleteTree(U16(top)));  // a link, not followed
@@ -79,7 +80,7 @@ TEST(MoveTree, BringsWhatACopyBringsAndMovesWhatIsNew) {
 
   MoveTree(U16(src), U16(dst));
   EXPECT_EQ(qvtest::ListDir(dst), (std::vector<std::string>{"CONTENTS/", "Program_1/", "new.csv",
-                                                             "ro.txt", "taken.csv"}));
+                                                            "ro.txt", "taken.csv"}));
   EXPECT_EQ(qvtest::ReadFile(dst + "/taken.csv"), "taken, new");
   EXPECT_EQ(qvtest::ReadFile(dst + "/new.csv"), "new");
   EXPECT_EQ(qvtest::ReadFile(dst + "/Program_1/information/c.csv"), "c");
@@ -107,8 +108,8 @@ TEST(MoveTree, BringsWhatACopyBringsAndMovesWhatIsNew) {
 TEST(ListFiles, PlainFilesOnlyWithFullPathsInNtfsOrder) {
   qvtest::ScratchDir scratch;
   const std::string dir = scratch.Sub("dir");
-  for (const char* name : {"b.csv", "A.csv", ".hidden.csv", "sub/inner.csv", "ro.csv",
-                           "b.csv:Zone.Identifier", "c. "})
+  for (const char* name :
+       {"b.csv", "A.csv", ".hidden.csv", "sub/inner.csv", "ro.csv", "b.csv:Zone.Identifier", "c. "})
     qvtest::WriteFile(dir + "/" + name, "");
   ::chmod((dir + "/ro.csv").c_str(), 0444);
   ASSERT_EQ(::symlink((dir + "/sub").c_str(), (dir + "/link_to_folder").c_str()), 0);

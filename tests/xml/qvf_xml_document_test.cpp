@@ -29,7 +29,8 @@ TEST(XmlTagTable, BothVocabularies) {
   const QvFTagTable compact;
   const QvFDebugTagTable debug;
   int same = 0;
-  for (int i = 0; i < static_cast<int>(kTagCount); ++i) same += compact[i] == debug[i] && !compact[i].empty();
+  for (int i = 0; i < static_cast<int>(kTagCount); ++i)
+    same += compact[i] == debug[i] && !compact[i].empty();
   EXPECT_EQ(same, 13);  // x, y, and the shared words of types and numbers
   EXPECT_TRUE(compact[-1].empty() && compact[kTagCount].empty());
 }
@@ -43,8 +44,9 @@ TEST(XmlDocument, WritesAttributesByTheEmptyValueRuleAsUtf8) {
   EXPECT_EQ(document.addAttribute(root, u"target_input", u""), nullptr);
   document.addAttribute(root, u"n", u"日本");
   document.appendElement(document.appendElement(root, u"sl"), u"s");
-  EXPECT_EQ(document.serializeToBytes(false), "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"no\" ?>"
-                                              "<qv n=\"\xE6\x97\xA5\xE6\x9C\xAC\" ti=\"\"><sl><s/></sl></qv>");
+  EXPECT_EQ(document.serializeToBytes(false),
+            "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"no\" ?>"
+            "<qv n=\"\xE6\x97\xA5\xE6\x9C\xAC\" ti=\"\"><sl><s/></sl></qv>");
   // Text that XML cannot carry fails cleanly.
   document.addAttribute(root, u"n", std::u16string(u"a") + char16_t{1});
   EXPECT_THROW(document.serializeToBytes(false), std::runtime_error);
@@ -52,14 +54,20 @@ TEST(XmlDocument, WritesAttributesByTheEmptyValueRuleAsUtf8) {
 }
 
 TEST(XmlDocument, WhatParsesAndWhatIs300) {
-  for (const char* bad : {"", "just some text", "<qv><sl></qv>", "<qv/><qv/>", "<qv n=\"&nothing;\"/>"})
+  for (const char* bad :
+       {"", "just some text", "<qv><sl></qv>", "<qv/><qv/>", "<qv n=\"&nothing;\"/>"})
     EXPECT_EQ(ParseCode(bad), -300) << bad;
   qvtest::ScratchDir dir;
-  EXPECT_EQ(ParseFile(dir.Sub("missing.xml")) + ParseFile(dir.path()), -300 * 2);  // no file, a folder
-  // No grammar and any root: validation errors are dropped. A few internal entity expansions are ordinary XML.
-  EXPECT_EQ(ParseCode("<?xml version=\"1.0\"?><!-- c --><p:any xmlns:p=\"urn:x\" x=\"1\"><y/></p:any>"), 0);
+  EXPECT_EQ(ParseFile(dir.Sub("missing.xml")) + ParseFile(dir.path()),
+            -300 * 2);  // no file, a folder
+  // No grammar and any root: validation errors are dropped. A few internal entity expansions are
+  // ordinary XML.
+  EXPECT_EQ(
+      ParseCode("<?xml version=\"1.0\"?><!-- c --><p:any xmlns:p=\"urn:x\" x=\"1\"><y/></p:any>"),
+      0);
   std::string bytes;
-  EXPECT_EQ(ParseCode("\xEF\xBB\xBF<!DOCTYPE qv [<!ENTITY w \"word\">]><qv n=\"&w;&w;\"/>", &bytes), 0);
+  EXPECT_EQ(ParseCode("\xEF\xBB\xBF<!DOCTYPE qv [<!ENTITY w \"word\">]><qv n=\"&w;&w;\"/>", &bytes),
+            0);
   EXPECT_NE(bytes.find("<qv n=\"wordword\"/>"), std::string::npos);
 }
 
@@ -78,7 +86,8 @@ TEST(XmlDocument, ExternalEntitiesAndDtdsAreNeverRead) {
     qvtest::WriteFile(dir.Sub("d.xml"), text);
     std::string bytes;
     const int code = ParseFile(dir.Sub("d.xml"), &bytes);  // refusing the file is as good
-    EXPECT_TRUE(code == -300 || (code == 0 && bytes.find("TOPSECRET") == std::string::npos)) << text;
+    EXPECT_TRUE(code == -300 || (code == 0 && bytes.find("TOPSECRET") == std::string::npos))
+        << text;
   }
 }
 

@@ -1,4 +1,5 @@
-// Program and playlist documents: round trips in both vocabularies, values written only when set, hand-written ones.
+// Program and playlist documents: round trips in both vocabularies, values written only when set,
+// hand-written ones.
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -16,12 +17,17 @@ namespace {
 using qvtest::U16;
 using Int = std::optional<std::int32_t>;
 
-std::tm FixedNow() { std::tm t{}; t.tm_year = 131; return t; }  // what a fresh record holds
+std::tm FixedNow() {
+  std::tm t{};
+  t.tm_year = 131;
+  return t;
+}  // what a fresh record holds
 
 // The item at `index` as the record its kind names; another kind fails.
 template <typename Record>
 const Record& Item(const QvFPlaylist& playlist, size_t index) {
-  const QvFContent* item = index < playlist.contents.size() ? playlist.contents[index].get() : nullptr;
+  const QvFContent* item =
+      index < playlist.contents.size() ? playlist.contents[index].get() : nullptr;
   if (item == nullptr || item->kind != Record().kind) throw std::runtime_error("no such item");
   return static_cast<const Record&>(*item);
 }
@@ -30,8 +36,9 @@ class XmlProgramPlaylist : public testing::TestWithParam<bool> {
  protected:
   qvtest::FixedClock clock_{FixedNow()};
 
-  // Writes the record and reads it back; bytes_ gets what was written after the declaration. With `again`,
-  // what was read must write the same bytes, but that an absent valid flag comes back as a present false.
+  // Writes the record and reads it back; bytes_ gets what was written after the declaration. With
+  // `again`, what was read must write the same bytes, but that an absent valid flag comes back as a
+  // present false.
   std::unique_ptr<QvFProgram> Trip(const QvFProgram& program, bool again = false) {
     QvFWriteXml(GetParam()).outputProgram(U16(path_), program);
     bytes_ = Body();
@@ -51,8 +58,14 @@ class XmlProgramPlaylist : public testing::TestWithParam<bool> {
   static std::string Unflagged(const std::string& bytes) {
     return qvtest::EraseAll(bytes, {" valid=\"false\"", " v=\"f\""});
   }
-  std::string Body() { const std::string b = qvtest::ReadFile(path_); return b.substr(b.find("?>") + 2); }
-  std::u16string Hand(const std::string& text) { qvtest::WriteFile(path_, text); return U16(path_); }
+  std::string Body() {
+    const std::string b = qvtest::ReadFile(path_);
+    return b.substr(b.find("?>") + 2);
+  }
+  std::u16string Hand(const std::string& text) {
+    qvtest::WriteFile(path_, text);
+    return U16(path_);
+  }
 
   qvtest::ScratchDir dir_;
   std::string path_ = dir_.Sub("document.xml");
@@ -78,7 +91,8 @@ TEST_P(XmlProgramPlaylist, RecordsComeBackWhole) {
 
   QvFPlaylist playlist;
   auto movie = std::make_shared<QvFMovie>();
-  movie->ref_content.assign(u"CT0001"), movie->volume = -5, movie->region = QvFRegion{{}, 1, 2, 300, 400};
+  movie->ref_content.assign(u"CT0001"), movie->volume = -5,
+                                        movie->region = QvFRegion{{}, 1, 2, 300, 400};
   movie->play_time.content_end = kEndNext, movie->play_time.timeout = kTimeoutContinue;
   auto coloured = std::make_shared<QvFNone>();
   coloured->has_background_color = true, coloured->background_color.a = 0;
@@ -86,7 +100,8 @@ TEST_P(XmlProgramPlaylist, RecordsComeBackWhole) {
   // Every effect from 1 and every direction, one image each.
   for (int value = 1; value <= 19; ++value) {
     auto image = std::make_shared<QvFImage>();
-    image->type = value % 4, image->aspect = value % 3, image->play_time.content_end = kEndStopBackgroundColor;
+    image->type = value % 4, image->aspect = value % 3,
+    image->play_time.content_end = kEndStopBackgroundColor;
     QvFImageEffect& effect = image->image_effect.emplace();
     effect.type = value <= 18 ? value : 1, effect.direction = value == 19 ? 0 : value;
     effect.via_backgroundcolor = value % 2 == 0, effect.t = value;
@@ -95,7 +110,8 @@ TEST_P(XmlProgramPlaylist, RecordsComeBackWhole) {
   EXPECT_EQ(Item<QvFMovie>(Trip(playlist, true), 0).volume, -5);
 }
 
-// Empty references, values out of range and absent flags are not written; what comes back is the plain default.
+// Empty references, values out of range and absent flags are not written; what comes back is the
+// plain default.
 TEST_P(XmlProgramPlaylist, ValuesWrittenOnlyWhenTheyHoldSomething) {
   QvFProgram program;
   program.program_info.layout_lock.reset();
@@ -115,23 +131,31 @@ TEST_P(XmlProgramPlaylist, ValuesWrittenOnlyWhenTheyHoldSomething) {
   playlist.contents = {image, telop, nullptr};
   EXPECT_FALSE(Item<QvFTelop>(Trip(playlist), 1).region.has_value());
   if (GetParam()) return;
-  EXPECT_EQ(program_bytes, "<pgp><pgi pgt=\"00:00:00\"><re h=\"0\" w=\"0\" x=\"0\" y=\"0\"/><bc c=\"#000000\"/></pgi>"
-            "<pai><pa><re h=\"0\" w=\"0\" x=\"0\" y=\"0\"/><plf mt=\"f\" rl=\"PL0001\"/></pa>"
-            "<pa><re h=\"0\" w=\"0\" x=\"0\" y=\"0\"/><plf/></pa></pai></pgp>");
-  EXPECT_EQ(bytes_, "<pl><i><bc c=\"#000000\"/><pt ce=\"l\" t=\"00:00:00\" to=\"s\"/><ie d=\"no\" t=\"0\"/></i>"
-            "<t a=\"0\"><pt t=\"00:00:00\" v=\"t\"/></t></pl>");
+  EXPECT_EQ(
+      program_bytes,
+      "<pgp><pgi pgt=\"00:00:00\"><re h=\"0\" w=\"0\" x=\"0\" y=\"0\"/><bc c=\"#000000\"/></pgi>"
+      "<pai><pa><re h=\"0\" w=\"0\" x=\"0\" y=\"0\"/><plf mt=\"f\" rl=\"PL0001\"/></pa>"
+      "<pa><re h=\"0\" w=\"0\" x=\"0\" y=\"0\"/><plf/></pa></pai></pgp>");
+  EXPECT_EQ(
+      bytes_,
+      "<pl><i><bc c=\"#000000\"/><pt ce=\"l\" t=\"00:00:00\" to=\"s\"/><ie d=\"no\" t=\"0\"/></i>"
+      "<t a=\"0\"><pt t=\"00:00:00\" v=\"t\"/></t></pl>");
 }
 
 INSTANTIATE_TEST_SUITE_P(Vocabularies, XmlProgramPlaylist, testing::Bool(),
-                         [](const testing::TestParamInfo<bool>& info) { return info.param ? "Debug" : "Compact"; });
+                         [](const testing::TestParamInfo<bool>& info) {
+                           return info.param ? "Debug" : "Compact";
+                         });
 
 TEST_F(XmlProgramPlaylistRead, HandWrittenInAnyOrderWithUnknownWordsAndBadColours) {
   QvFReadXml reader(false);
   const auto read = reader.readProgram(Hand(
-      "<pgp><!-- panes first --><pai><x/><pa><plf tp=\"t\"><pa/></plf><re x=\"1\" y=\"2\"/><re x=\"5\"/>"
+      "<pgp><!-- panes first --><pai><x/><pa><plf tp=\"t\"><pa/></plf><re x=\"1\" y=\"2\"/><re "
+      "x=\"5\"/>"
       "</pa><pg><pa/></pg><pa><plf tp=\"contents\"/></pa></pai><pgi><plf tp=\"s\"/></pgi></pgp>"));
   EXPECT_EQ(read->program_info.playlist_file.type, Int(kPaneSound));
-  // Nested panes and panes outside the list are no panes of the program; of two regions the last stands.
+  // Nested panes and panes outside the list are no panes of the program; of two regions the last
+  // stands.
   ASSERT_EQ(read->pane_info.panes.size(), 2u);
   const QvFPane& first = read->pane_info.panes[0];
   EXPECT_EQ(std::vector({first.playlist_file.type.value_or(-1), first.region.x, first.region.y}),
@@ -140,18 +164,24 @@ TEST_F(XmlProgramPlaylistRead, HandWrittenInAnyOrderWithUnknownWordsAndBadColour
 
   // Kinds without a record are left out; debug words in a compact document
   // are unknown (stop_last and stop); a telop's colour is passed over.
-  const QvFPlaylist playlist = reader.readPlaylist(Hand(
-      "<pl><o><m/></o><c/><u><i/></u><a/><p><t/></p><cc><n/></cc><x/><m vo=\" 12x\"><pt ce=\"next\" to=\"continue\"/>"
-      "</m><i tp=\"tiff\" a=\"7\"><ie tp=\"wipe\" d=\"none\"/></i><t><bc c=\"not a colour\"/></t><pl><m/></pl></pl>"));
+  const QvFPlaylist playlist =
+      reader.readPlaylist(Hand("<pl><o><m/></o><c/><u><i/></u><a/><p><t/></p><cc><n/></cc><x/><m "
+                               "vo=\" 12x\"><pt ce=\"next\" to=\"continue\"/>"
+                               "</m><i tp=\"tiff\" a=\"7\"><ie tp=\"wipe\" d=\"none\"/></i><t><bc "
+                               "c=\"not a colour\"/></t><pl><m/></pl></pl>"));
   ASSERT_EQ(playlist.contents.size(), 3u);
   const QvFMovie& bare = Item<QvFMovie>(playlist, 0);
-  EXPECT_EQ(std::vector({bare.volume, bare.play_time.content_end, bare.play_time.timeout}), std::vector({12, 1, 0}));
+  EXPECT_EQ(std::vector({bare.volume, bare.play_time.content_end, bare.play_time.timeout}),
+            std::vector({12, 1, 0}));
   const QvFImage& odd = Item<QvFImage>(playlist, 1);
-  EXPECT_EQ(std::vector({odd.type, odd.aspect, odd.image_effect->direction, odd.image_effect->type.value_or(-1)}),
+  EXPECT_EQ(std::vector({odd.type, odd.aspect, odd.image_effect->direction,
+                         odd.image_effect->type.value_or(-1)}),
             std::vector<int>({4, 2, 0, kEffectNone}));
 
-  EXPECT_THROW(reader.readProgram(Hand("<pgp><pgi><bc c=\"102030\"/></pgi></pgp>")), std::out_of_range);
-  EXPECT_THROW(reader.readPlaylist(Hand("<pl><n><bc c=\"0X112233\"/></n></pl>")), std::out_of_range);
+  EXPECT_THROW(reader.readProgram(Hand("<pgp><pgi><bc c=\"102030\"/></pgi></pgp>")),
+               std::out_of_range);
+  EXPECT_THROW(reader.readPlaylist(Hand("<pl><n><bc c=\"0X112233\"/></n></pl>")),
+               std::out_of_range);
   // A root of another name, or of the other vocabulary, gives an empty record.
   EXPECT_TRUE(reader.readPlaylist(Hand("<pgp><m/></pgp>")).contents.empty());
   EXPECT_TRUE(reader.readPlaylist(Hand("<playlist><movie/></playlist>")).contents.empty());

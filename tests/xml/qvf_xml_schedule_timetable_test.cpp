@@ -1,4 +1,5 @@
-// Schedule and time table documents: round trips, attributes written only when there, walking rules.
+// Schedule and time table documents: round trips, attributes written only when there, walking
+// rules.
 #include <ctime>
 #include <memory>
 #include <string>
@@ -42,12 +43,19 @@ class XmlScheduleTimeTable : public ::testing::TestWithParam<bool> {
   template <typename Write>
   void Again(Write write) {
     bytes_ = Body(), write();
-    const std::vector<std::string> flags = {" valid=\"false\"", " v=\"f\"", " add=\"false\"", " ad=\"f\"",
-                                            " valid=\"f\"", " v=\"false\"", " add=\"f\"", " ad=\"false\""};
+    const std::vector<std::string> flags = {" valid=\"false\"", " v=\"f\"",     " add=\"false\"",
+                                            " ad=\"f\"",        " valid=\"f\"", " v=\"false\"",
+                                            " add=\"f\"",       " ad=\"false\""};
     EXPECT_EQ(qvtest::EraseAll(Body(), flags), qvtest::EraseAll(bytes_, flags));
   }
-  std::string Body() { const std::string b = qvtest::ReadFile(path_); return b.substr(b.find("?>") + 2); }
-  std::u16string Hand(const std::string& text) { qvtest::WriteFile(path_, text); return U16(path_); }
+  std::string Body() {
+    const std::string b = qvtest::ReadFile(path_);
+    return b.substr(b.find("?>") + 2);
+  }
+  std::u16string Hand(const std::string& text) {
+    qvtest::WriteFile(path_, text);
+    return U16(path_);
+  }
 
   qvtest::ScratchDir dir_;
   std::string path_ = dir_.Sub("d.xml");
@@ -56,10 +64,13 @@ class XmlScheduleTimeTable : public ::testing::TestWithParam<bool> {
 
 TEST_P(XmlScheduleTimeTable, RoundTripsGiveTheSameBytes) {
   QvFSchedule schedule;
-  schedule.id.assign(u"SC0001"), schedule.name = u"週間", schedule.version = u"1.0", schedule.schedule_list.add = true;
+  schedule.id.assign(u"SC0001"), schedule.name = u"週間", schedule.version = u"1.0",
+                                 schedule.schedule_list.add = true;
   QvFScheduleEntry& entry = schedule.schedule_list.schedules.emplace_back();
-  entry.default_ = true, entry.valid = true, entry.name = u"holiday", entry.ref_timetable.assign(u"TM0001");
-  EXPECT_EQ(Trip(schedule, GetParam()).schedule_list.schedules.at(0).ref_timetable.kind, kIdTimeTable);
+  entry.default_ = true, entry.valid = true, entry.name = u"holiday",
+  entry.ref_timetable.assign(u"TM0001");
+  EXPECT_EQ(Trip(schedule, GetParam()).schedule_list.schedules.at(0).ref_timetable.kind,
+            kIdTimeTable);
 
   QvFTimeTable timetable;
   timetable.id.assign(u"TM0007"), timetable.name = u"平日", timetable.table_list.name = u"rows";
@@ -67,7 +78,8 @@ TEST_P(XmlScheduleTimeTable, RoundTripsGiveTheSameBytes) {
   program.ref_program.assign(u"PG0003"), program.type = u"loop", program.end_time.tm_min = 45;
   QvFTableCommand& command = timetable.table_list.tables.emplace_back().command.emplace();
   command.type = 3, command.target_input = u"HDMI1";
-  EXPECT_EQ(Trip(timetable, GetParam())->table_list.tables.at(1).command->start_time.tm_min, 6);  // made now
+  EXPECT_EQ(Trip(timetable, GetParam())->table_list.tables.at(1).command->start_time.tm_min,
+            6);  // made now
 }
 
 INSTANTIATE_TEST_SUITE_P(CompactAndDebug, XmlScheduleTimeTable, ::testing::Bool());
@@ -85,13 +97,17 @@ TEST_F(XmlScheduleTimeTable, WrittenAttributesAndHandWrittenDocuments) {
   both.program.emplace(), both.command.emplace();
   timetable.table_list.tables.emplace_back().command.emplace().start_time.tm_hour = 1;
   Trip(timetable, false);
-  EXPECT_EQ(bytes_, "<tt><tl><tb><pg et=\"05:06:07\" st=\"05:06:07\"/></tb>"
-                    "<tb><co st=\"01:06:07\" ti=\"\" tp=\"0\"/></tb></tl></tt>");
+  EXPECT_EQ(bytes_,
+            "<tt><tl><tb><pg et=\"05:06:07\" st=\"05:06:07\"/></tb>"
+            "<tb><co st=\"01:06:07\" ti=\"\" tp=\"0\"/></tb></tl></tt>");
 
-  // Only element nodes count; the second list is not read; only "true" in any casing (or "t") is a true default.
-  const auto entries = QvFReadXml(false).readSchedule(Hand(
-      "<qv><!-- c -->\n  <sl><s df=\"t\" dt=\"2024/3/9\"/><s df=\"TRUE\"/><s df=\"1\"/><x/><s/></sl><sl><s/></sl></qv>"))
-      .schedule_list.schedules;
+  // Only element nodes count; the second list is not read; only "true" in any casing (or "t") is a
+  // true default.
+  const auto entries =
+      QvFReadXml(false)
+          .readSchedule(Hand("<qv><!-- c -->\n  <sl><s df=\"t\" dt=\"2024/3/9\"/><s "
+                             "df=\"TRUE\"/><s df=\"1\"/><x/><s/></sl><sl><s/></sl></qv>"))
+          .schedule_list.schedules;
   ASSERT_EQ(entries.size(), 4u);
   EXPECT_EQ(entries[0].date.tm_mon * 100 + entries[0].date.tm_mday, 209);
   EXPECT_TRUE(entries[0].default_ && entries[1].default_ && !entries[2].default_);
@@ -104,8 +120,8 @@ TEST_F(XmlScheduleTimeTable, WrittenAttributesAndHandWrittenDocuments) {
   const auto& rows = hand->table_list.tables;
   ASSERT_TRUE(rows.size() == 3 && rows[0].program && rows[0].command && rows[2].command);
   // "abc" reads as 0; the second command replaced the first; "7:5:1" is read.
-  EXPECT_EQ(std::vector({rows[0].command->type, rows[2].command->type, rows[2].command->start_time.tm_min,
-                         rows[0].program->start_time.tm_min}),
+  EXPECT_EQ(std::vector({rows[0].command->type, rows[2].command->type,
+                         rows[2].command->start_time.tm_min, rows[0].program->start_time.tm_min}),
             std::vector({0, 0, 11, 5}));
 }
 
