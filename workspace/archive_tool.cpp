@@ -224,9 +224,8 @@ namespace {
 // Extracts the archive, or only the entries named exactly (case and all),
 // into the emptied private folder.
 void UnpackInto(const std::u16string& archive, platform::PrivateFolder& folder,
-                const std::vector<std::u16string>& only) {
-  // Whatever an earlier run left there would be taken for part of this archive.
-  if (!folder.Empty()) ThrowCode(codes::kCannotCreate);
+                const std::vector<std::u16string>& only, bool empty_first) {
+  if (empty_first && !folder.Empty()) ThrowCode(codes::kCannotCreate);
   bool started = false;
   int status = -1;
   Guarded(codes::kUnpackFailed, [&] {
@@ -249,7 +248,8 @@ void UnpackInto(const std::u16string& archive, platform::PrivateFolder& folder,
 }  // namespace
 
 void UnpackArchive(const std::u16string& archive, platform::PrivateFolder& folder) {
-  UnpackInto(archive, folder, {});
+  // Whatever an earlier run left there would be taken for part of this archive.
+  UnpackInto(archive, folder, {}, true);
 }
 
 bool ProbeArchive(const std::u16string& archive) {
@@ -274,14 +274,13 @@ bool ProbeArchive(const std::u16string& archive) {
     probe.Remove();
     ThrowCode(codes::kUnpackFailed);
   }
-  if (selection.scope == ProbeScope::kNothing) {
-    const bool emptied = probe.Empty();
-    probe.Remove();
-    if (!emptied) ThrowCode(codes::kCannotCreate);
-    return false;
-  }
+  // The probe folder is not cleared first: only its removal after each probe
+  // keeps it empty between runs, so what a killed run left there still counts,
+  // as it always has.
   try {
-    UnpackInto(archive, probe, selection.names);
+    if (selection.scope != ProbeScope::kNothing) {
+      UnpackInto(archive, probe, selection.names, false);
+    }
   } catch (...) {
     probe.Remove();
     throw;

@@ -58,13 +58,13 @@ void UnpackArchive(const std::u16string& archive, platform::PrivateFolder& folde
 // file or link named QvFormat, a folder named QvS.xml, an archive that is not
 // a zip file or that the tool cannot list cleanly) is extracted whole, so the
 // answer is the one a whole extraction gives.  The extraction goes into the
-// probe folder <temp>chktemp, which is made, or emptied first whatever a
-// killed run left in it, and removed again after the test.  Runs side by side take turns on it
-// through the lock file <temp>chktemp.lock.  Throws -3 when either name cannot be made or is not
-// ours alone (a link, someone else's, writable by others: see
-// platform/private_folder.h), before anything is extracted or removed, or
-// when the probe folder cannot be emptied; -402 when the tool cannot be
-// started (for the listing as for the extraction).
+// probe folder <temp>chktemp, which is made if missing and removed again
+// after the test; it is not cleared before, so what a killed probe left in it
+// takes part in the answer.  Runs side by side take turns on it through the
+// lock file <temp>chktemp.lock.  Throws -3 when either name cannot be made or
+// is not ours alone (a link, someone else's, writable by others: see
+// platform/private_folder.h), before anything is extracted or removed; -402
+// when the tool cannot be started (for the listing as for the extraction).
 bool ProbeArchive(const std::u16string& archive);
 
 }  // namespace quorvane::qvconv::converter

@@ -142,14 +142,21 @@ TEST_F(ArchiveTool, OwnZipsNameInUtf8) {
   }
 }
 
-// What a killed probe left in the probe folder, read-only and oddly named parts
-// included, cannot make a plain archive look like a package.
-TEST_F(ArchiveTool, LeftoversOfAKilledProbeDoNotCount) {
+// The probe folder is not cleared before a probe: what a killed probe left
+// there counts once, whatever the archive holds (also nothing of the marker's),
+// and is gone after it, read-only and oddly named parts included.
+TEST_F(ArchiveTool, LeftoversOfAKilledProbeCountOnce) {
   const std::string left = scratch_.Sub("tmp/chktemp");
-  qvtest::WriteFile(left + "/QvFormat/QvS.xml", "<s/>");
-  qvtest::WriteFile(left + "/QvFormat/\xff.xml", "");
-  ::chmod((left + "/QvFormat").c_str(), 0500);
-  EXPECT_FALSE(Probe(Zip("q.zip", "QvFormat/other.xml")));
+  for (const std::string inner : {"QvFormat/other.xml", "elsewhere.txt"}) {
+    const std::string zip = Zip(inner.substr(0, 3) + ".zip", inner);
+    qvtest::WriteFile(left + "/QvFormat/QvS.xml", "<s/>");
+    qvtest::WriteFile(left + "/QvFormat/\xff.xml", "");
+    ::chmod((left + "/QvFormat").c_str(), 0500);
+    ::chmod(left.c_str(), 0700);
+    EXPECT_TRUE(Probe(zip)) << inner;
+    EXPECT_FALSE(qvtest::Exists(left)) << inner;
+    EXPECT_FALSE(Probe(zip)) << inner;
+  }
 }
 
 // Paths that look like switches stay paths; without the tool the pack fails.
