@@ -247,7 +247,7 @@ void QvChRunner::CHECK_OK_EXT(const std::u16string& cell) {
                       table.current_file, u"msg.CI0199");
     return;
   }
-  for (const std::u16string& allowed : table.ok_extensions) {
+  for (const std::u16string& allowed : fixed_table.ok_extensions) {
     if (!EqualsIgnoreCase(allowed, extension)) continue;
     if (extension != u"tlp") return;  // accepted; a telop in capitals is not opened
     if (!telopExceedsLimits(telopPath(cell))) return;
@@ -266,7 +266,7 @@ void QvChRunner::CHECK_NG_EXT(const std::u16string& cell) {
                       table.current_file, u"msg.CI0199");
     return;
   }
-  for (const std::u16string& refused : table.ng_extensions) {
+  for (const std::u16string& refused : fixed_table.ng_extensions) {
     if (EqualsIgnoreCase(refused, extension)) {
       reportExtension(extension);
       return;
@@ -287,13 +287,14 @@ void QvChRunner::CHECK_EFFECT_KIND(const std::u16string& cell) {
   if (cell.empty()) return;
   const auto code = static_cast<std::uint32_t>(qvformat::format::ParseInt(cell));
   static constexpr std::uint32_t kByteMask[4] = {0xFFu, 0xFF00u, 0xFF0000u, 0xFF000000u};
-  for (const QvChEffectRow& effect : table.effect_rows) {
+  for (const QvChEffectRow& effect : fixed_table.effect_rows) {
     if (effect.byte_pattern[0].empty()) continue;
     bool match = true;
     for (int b = 0; b < 4 && match; ++b) {
       const std::u16string& pattern = effect.byte_pattern[b];
       if (pattern.empty()) continue;
-      const auto wanted = static_cast<std::uint32_t>(ParseHex(qvformat::format::ReplaceAll(pattern, u"0x", u"")));
+      const std::u16string digits = qvformat::format::ReplaceAll(pattern, u"0x", u"");
+      const auto wanted = static_cast<std::uint32_t>(ParseHex(digits));
       match = wanted == (code & kByteMask[b]);
     }
     if (match) {

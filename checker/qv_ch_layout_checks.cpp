@@ -32,7 +32,7 @@ void QvChRunner::CHECK_DISP_POSITION(const std::u16string& cell) {
 }
 
 void QvChRunner::CHECK_DISP_SIZE(const std::u16string& width, const std::u16string& height,
-                                 QvChTable& row_table) {
+                                 const QvChSelection& row_table) {
   if (width.empty() || height.empty()) return;
   const std::int32_t w = ParseInt(width);
   const std::int32_t h = ParseInt(height);
@@ -122,10 +122,10 @@ void QvChRunner::telopTest(const QvChDataRow& data_row, const std::u16string& id
 
 void QvChRunner::frameTest(const QvChDataRow& data_row, const std::u16string& id,
                            const std::u16string& message_key) {
-  // Each frame test has a table of its own: no pane, no file text.
-  QvChTable frame_x(u"PG1101");
-  QvChTable frame_y(u"PG1201");
-  QvChTable frame_size(u"PG1301");
+  // Each frame test has a row of its own: no pane, no file text.
+  static const QvChSelection frame_x = fixed_table.selectionOf(u"PG1101");
+  static const QvChSelection frame_y = fixed_table.selectionOf(u"PG1201");
+  static const QvChSelection frame_size = fixed_table.selectionOf(u"PG1301");
   if (!paneEnabled(data_row)) return;
   if (frame_seen) {
     checker.addResult(id, true, table.current_pane, table.current_file, message_key);
@@ -137,7 +137,7 @@ void QvChRunner::frameTest(const QvChDataRow& data_row, const std::u16string& id
   CHECK_DISP_SIZE(data_row.at(4), data_row.at(5), frame_size);
 }
 
-void QvChRunner::framePosition(const std::u16string& cell, QvChTable& row_table) {
+void QvChRunner::framePosition(const std::u16string& cell, const QvChSelection& row_table) {
   if (cell.empty()) return;
   const bool axis_x = EqualsIgnoreCase(row_table.current.argument, u"x");
   if (!IsDigits(cell, false)) {

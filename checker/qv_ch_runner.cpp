@@ -38,12 +38,12 @@ int PaneOfRow(QvChFileKind kind, std::size_t row) {
 
 }  // namespace
 
-void QvChRunner::reportRow(const QvChTable& row_table) {
+void QvChRunner::reportRow(const QvChSelection& row_table) {
   checker.addResult(row_table.current.id, row_table.current.is_error, row_table.current_pane,
                     row_table.current_file, row_table.current.message_key);
 }
 
-void QvChRunner::reportBadCell(const QvChTable& row_table, const std::u16string& message_key) {
+void QvChRunner::reportBadCell(const QvChSelection& row_table, const std::u16string& message_key) {
   checker.addResult(row_table.current.id, true, row_table.current_pane, row_table.current_file,
                     message_key);
 }
@@ -52,7 +52,7 @@ void QvChRunner::walkFile(QvChFileKind kind, const std::u16string& path) {
   io::csv::QvCsvFile csv;
   converter::Guarded(converter::codes::kProjectFileBad, [&] { csv.ReadFile(path); });
   file = path;
-  const std::vector<QvChTemplateRow> templates = table.templateOf(kind);
+  const std::vector<QvChTemplateRow>& templates = fixed_table.templateOf(kind);
   const std::size_t template_count = templates.size();
   const std::size_t row_count = csv.RowCount();
   if (row_count == 0) return;
@@ -105,7 +105,7 @@ void QvChRunner::checkCell(const std::u16string& id, const QvChDataRow& data_row
   if (data_row.empty() || id.empty()) return;
   try {
     table.current_pane = pane;
-    table.selectRow(id);
+    fixed_table.selectRow(id, table);
     table.current_file = file_text;
     const std::u16string& kind = table.current.kind;
     if (kind.empty()) return;
@@ -206,8 +206,8 @@ void QvChRunner::CHECK_SCHEDULE_DATE(const QvChDataRow& data_row) {
       date.tm_mday = numbers[2];
       date.tm_isdst = 0;
     }
-    const long long difference =
-        static_cast<long long>(std::difftime(platform::MakeLocalTime(&date), platform::MakeLocalTime(&today)));
+    const long long difference = static_cast<long long>(
+        std::difftime(platform::MakeLocalTime(&date), platform::MakeLocalTime(&today)));
     if (difference < 0) {
       reportRow();
       return;
@@ -241,8 +241,8 @@ void QvChRunner::CHECK_TIMETABLE_TIME(const std::u16string& cell) {
     if (read > 1) moment.tm_min = numbers[1];
     if (read > 2) moment.tm_sec = numbers[2];
     std::tm now = platform::LocalNow();
-    const long long difference =
-        static_cast<long long>(std::difftime(platform::MakeLocalTime(&moment), platform::MakeLocalTime(&now)));
+    const long long difference = static_cast<long long>(
+        std::difftime(platform::MakeLocalTime(&moment), platform::MakeLocalTime(&now)));
     if (difference < 0) reportRow();
   } catch (const std::exception&) {
     reportBadCell(table, u"msg.TIME");

@@ -2,9 +2,10 @@
 // the column template of the file's kind and runs the operation of each check
 // id that the template names for a cell.  Findings go to the checker's report.
 //
-// A runner lives for one file: its flags start false and its table is built
-// anew, so a second program file starts again without a frame seen, a second
-// contents file without an extension reported.
+// A runner lives for one file: its flags start false and its selection empty,
+// so a second program file starts again without a frame seen, a second
+// contents file without an extension reported.  The check table is the one
+// fixed table of the run (QvChTable::Fixed), which no runner changes.
 #ifndef QV_CHECKER_QV_CH_RUNNER_H_
 #define QV_CHECKER_QV_CH_RUNNER_H_
 
@@ -23,7 +24,7 @@ using QvChDataRow = std::vector<std::u16string>;
 
 class QvChRunner {
  public:
-  explicit QvChRunner(QvChecker& checker) : checker(checker) {}
+  explicit QvChRunner(QvChecker& checker) : checker(checker), fixed_table(QvChTable::Fixed()) {}
 
   // Reads the file and checks every row.  The last template row governs all
   // rows from its own to the end of the file.
@@ -47,7 +48,7 @@ class QvChRunner {
   // Layout of a program file.
   void CHECK_DISP_POSITION(const std::u16string& cell);
   void CHECK_DISP_SIZE(const std::u16string& width, const std::u16string& height,
-                       QvChTable& row_table);
+                       const QvChSelection& row_table);
   void CHECK_PANE_NO(const QvChDataRow& data_row);
   // Contents files.
   void CHECK_OK_EXT(const std::u16string& cell);
@@ -60,19 +61,20 @@ class QvChRunner {
   std::u16string telopPath(const std::u16string& cell) const;
 
   QvChecker& checker;
+  const QvChTable& fixed_table;     // the rows, extensions and templates
   std::u16string file;              // full path of the file being checked
   bool frame_seen = false;          // an enabled frame pane was met
   bool telop_seen = false;          // an enabled telop pane was met
-  QvChTable table;                  // built anew for each file
+  QvChSelection table;              // the selected row of the walk
   bool position_reported = false;   // PG0701 or PG0702 was reported
   bool extension_reported = false;  // CI0100 was reported
 
  private:
   // addResult with the current row of `row_table` and its pane and file text.
-  void reportRow(const QvChTable& row_table);
+  void reportRow(const QvChSelection& row_table);
   void reportRow() { reportRow(table); }
   // addResult with the current row's id, kind "E" and a fall-back key.
-  void reportBadCell(const QvChTable& row_table, const std::u16string& message_key);
+  void reportBadCell(const QvChSelection& row_table, const std::u16string& message_key);
 
   bool paneEnabled(const QvChDataRow& data_row) const;
   void playlistTest(const std::u16string& cell, const std::u16string& id,
@@ -81,7 +83,7 @@ class QvChRunner {
                  const std::u16string& message_key);
   void frameTest(const QvChDataRow& data_row, const std::u16string& id,
                  const std::u16string& message_key);
-  void framePosition(const std::u16string& cell, QvChTable& row_table);
+  void framePosition(const std::u16string& cell, const QvChSelection& row_table);
   // Runs the telop tests on the file; the id and key of the first limit
   // exceeded go into the current row.  True when a limit was exceeded.
   bool telopExceedsLimits(const std::u16string& path);

@@ -94,7 +94,9 @@ void QvChTable::buildTable() {
     ng_extensions.assign(std::begin(kNgExtensions), std::end(kNgExtensions));
   }
   if (rows.empty()) {
-    for (const RowText& r : kRows) rows.push_back({r.id, r.kind, r.argument, r.is_error, r.message_key});
+    for (const RowText& r : kRows) {
+      rows.push_back({r.id, r.kind, r.argument, r.is_error, r.message_key});
+    }
   }
   if (effect_rows.empty()) {
     for (const EffectText& r : kEffectRows) {
@@ -108,6 +110,15 @@ void QvChTable::buildTable() {
   }
 }
 
+const QvChTable& QvChTable::Fixed() {
+  static const QvChTable fixed = [] {
+    QvChTable table;
+    table.buildTable();
+    return table;
+  }();
+  return fixed;
+}
+
 bool QvChTable::selectRow(const std::u16string& id) {
   for (const QvChRow& row : rows) {
     if (row.id == id) {
@@ -116,6 +127,22 @@ bool QvChTable::selectRow(const std::u16string& id) {
     }
   }
   return false;
+}
+
+bool QvChTable::selectRow(const std::u16string& id, QvChSelection& selection) const {
+  for (const QvChRow& row : rows) {
+    if (row.id == id) {
+      selection.current = row;
+      return true;
+    }
+  }
+  return false;
+}
+
+QvChSelection QvChTable::selectionOf(const std::u16string& id) const {
+  QvChSelection selection;
+  if (!selectRow(id, selection)) converter::ThrowCode(converter::codes::kNoCheckRow);
+  return selection;
 }
 
 std::vector<QvChTemplateRow> QvChTable::ParseTemplate(const std::u16string& text) {
@@ -127,8 +154,9 @@ std::vector<QvChTemplateRow> QvChTable::ParseTemplate(const std::u16string& text
   std::size_t line_start = 0;
   while (true) {
     const std::size_t line_end = text.find(u'\n', line_start);
-    const std::u16string line =
-        text.substr(line_start, line_end == std::u16string::npos ? std::u16string::npos : line_end - line_start);
+    const std::size_t length =
+        line_end == std::u16string::npos ? std::u16string::npos : line_end - line_start;
+    const std::u16string line = text.substr(line_start, length);
     QvChTemplateRow row;
     // n commas make n + 1 cells, so a trailing comma closes the row with one
     // empty cell; an empty line has none.
@@ -140,18 +168,23 @@ std::vector<QvChTemplateRow> QvChTable::ParseTemplate(const std::u16string& text
   return result;
 }
 
-std::vector<QvChTemplateRow> QvChTable::templateOf(QvChFileKind kind) const {
+const std::vector<QvChTemplateRow>& QvChTable::templateOf(QvChFileKind kind) const {
+  static const std::vector<QvChTemplateRow> schedule = ParseTemplate(kScheduleTemplate);
+  static const std::vector<QvChTemplateRow> time_table = ParseTemplate(kTimeTableTemplate);
+  static const std::vector<QvChTemplateRow> program = ParseTemplate(kProgramTemplate);
+  static const std::vector<QvChTemplateRow> contents = ParseTemplate(kContentsTemplate);
+  static const std::vector<QvChTemplateRow> none = ParseTemplate(std::u16string());
   switch (kind) {
     case ChSchedule:
-      return ParseTemplate(kScheduleTemplate);
+      return schedule;
     case ChTimeTable:
-      return ParseTemplate(kTimeTableTemplate);
+      return time_table;
     case ChProgram:
-      return ParseTemplate(kProgramTemplate);
+      return program;
     case ChContentsInfo:
-      return ParseTemplate(kContentsTemplate);
+      return contents;
     default:
-      return ParseTemplate(std::u16string());
+      return none;
   }
 }
 

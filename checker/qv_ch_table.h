@@ -5,9 +5,12 @@
 //                  argument the operation compares with, the level of a
 //                  finding and the key of its message.
 //   QvChEffectRow  one image effect the target lacks, as byte patterns.
+//   QvChSelection  the working state of one walk: a copy of the selected row,
+//                  which an operation may change, and the pane and file text
+//                  of the data row.
 //   QvChTable      the rows, the effect rows, the two extension lists and the
-//                  column templates, plus the working state of one walk: the
-//                  current row and the pane and file text of the data row.
+//                  column templates, plus a selection of its own.  Fixed()
+//                  is the one built table of a run, built at its first use.
 #ifndef QV_CHECKER_QV_CH_TABLE_H_
 #define QV_CHECKER_QV_CH_TABLE_H_
 
@@ -39,6 +42,12 @@ struct QvChEffectRow {
 // data row, several ids separated by "/"; an empty cell checks nothing.
 using QvChTemplateRow = std::vector<std::u16string>;
 
+struct QvChSelection {
+  QvChRow current;              // working copy of the selected row
+  int current_pane = -1;        // pane number of the data row in the walk
+  std::u16string current_file;  // file text for the Results
+};
+
 class QvChTable {
  public:
   // An empty table; buildTable fills it.
@@ -51,21 +60,30 @@ class QvChTable {
   // and clears the current level.
   void buildTable();
 
+  // The built table shared by every check of the process; never changed.
+  static const QvChTable& Fixed();
+
   // Copies the first row whose id equals `id` exactly into the current row.
   // False, with the current row unchanged, when there is none.
   bool selectRow(const std::u16string& id);
+  // The same into `selection`'s current row.
+  bool selectRow(const std::u16string& id, QvChSelection& selection) const;
+  // A selection of the row `id` with no pane and no file text; a
+  // QvConvException pointer -998 when the table has no such row.
+  QvChSelection selectionOf(const std::u16string& id) const;
 
   // The column template of a file kind, as template rows.  Line n of the
   // template belongs to row n of the file; the last line also to every
-  // further row.  An empty template gives one row without cells.
-  std::vector<QvChTemplateRow> templateOf(QvChFileKind kind) const;
+  // further row.  An empty template gives one row without cells.  The
+  // templates are parsed once.
+  const std::vector<QvChTemplateRow>& templateOf(QvChFileKind kind) const;
 
   // Splits a template text into template rows (lines at LF, cells at commas).
   static std::vector<QvChTemplateRow> ParseTemplate(const std::u16string& text);
 
-  QvChRow current;                  // working copy of the selected row
-  int current_pane = -1;            // pane number of the data row in the walk
-  std::u16string current_file;      // file text for the Results
+  QvChRow current;              // working copy of the selected row
+  int current_pane = -1;        // pane number of the data row in the walk
+  std::u16string current_file;  // file text for the Results
   std::vector<std::u16string> ok_extensions;
   std::vector<std::u16string> ng_extensions;
   std::vector<QvChRow> rows;

@@ -69,7 +69,6 @@ void QvChecker::checkFile(QvChFileKind kind, const std::u16string& path) {
   addCheckFile(path);
   beginCheckData(kind, path);
   QvChRunner runner(*this);
-  runner.table.buildTable();
   runner.walkFile(kind, path);
 }
 
