@@ -40,13 +40,6 @@ class ArchiveNames : public BlackBoxTest {
       entries.push_back(style(file, ReadFile(folder + "/" + file)));
     WriteFile(zip, StoredZip(entries));
   }
-  // Every file below `folder` with its content.
-  std::vector<std::string> Contents(const std::string& folder) {
-    std::vector<std::string> out;
-    for (const std::string& file : FilesBelow(folder))
-      out.push_back(file + "=" + ReadFile(folder + "/" + file));
-    return out;
-  }
 
   std::string dest_ = scratch_.Sub("dest"), windows_zip_ = scratch_.Sub("windows.zip");
 };
@@ -99,13 +92,13 @@ TEST_F(ArchiveNames, HostileNamesStayInside) {
                                      {"..\\..\\secret.txt", "9"}}));
   ASSERT_EQ(Unpackage(windows_zip_, deep).status, 0);
   // The tool writes a link that climbs as an empty file; the others are not kept.
-  EXPECT_EQ(Contents(deep), (std::vector<std::string>{"in/x7=7", "lnk/x8=8", "secret=",
-                                                      "secret.txt=9", "srv/share/x6=6", "x1=1",
-                                                      "x2=2", "x3=3", "x4=4", "x5=5"}));
+  EXPECT_EQ(Contents(deep),
+            (std::vector<std::string>{"in/x7=7", "lnk/x8=8", "secret=", "secret.txt=9",
+                                      "srv/share/x6=6", "x1=1", "x2=2", "x3=3", "x4=4", "x5=5"}));
   EXPECT_EQ(ReadFile(scratch_.Sub("secret.txt")), "secret");
   for (const std::string& file : FilesBelow(scratch_.path()))
-    EXPECT_TRUE(file.rfind("a/b/dest/", 0) == 0 || file == "windows.zip" ||
-                file == "secret.txt") << file;
+    EXPECT_TRUE(file.rfind("a/b/dest/", 0) == 0 || file == "windows.zip" || file == "secret.txt")
+        << file;
 }
 
 TEST_F(ArchiveNames, LaterUnpackageEmptiesTheFolderWhateverItsNames) {

@@ -81,11 +81,10 @@ TEST_F(CheckReport, ProgramAgainstTheDisplayRegion) {
   p_.Playlist("Program_1", 1, {MovieItem("a.mp4")});
   p_.Content("a.mp4", "a");
   for (const auto& c : cases) {
-    p_.Program("Program_1", {.x = c.x,
-                             .y = c.y,
-                             .width = c.width,
-                             .height = c.height,
-                             .panes = {Pane{1, c.pane_x, c.pane_y, c.width, c.height}}});
+    ProgramShape shape;
+    shape.x = c.x, shape.y = c.y, shape.width = c.width, shape.height = c.height;
+    shape.panes = {Pane{1, c.pane_x, c.pane_y, c.width, c.height}};
+    p_.Program("Program_1", shape);
     RemoveAll(report_);
     EXPECT_EQ(RunQv({project_, "-check" + report_, "-td" + c.region}, RunEnv(temp_)).status,
               c.findings.empty() ? 0 : 2)

@@ -35,8 +35,9 @@ TEST_F(Cli, RefusedCommandLinesAre255AndTouchNothing) {
       {project_, "-packagea.zip", "-td(1,2,3,4,5)"},
       {project_, "-packagea.zip", "-"},
       {project_, "-param" + scratch_.Sub("ok.xml")},  // a valid file is no output
-      {zip_, "-unpackage" + dest_, "-td1,2,3"},  // before the archive is opened
-      {"", zip_, "-unpackage" + dest_},          // nothing left: no input
+      {zip_, "-unpackage" + dest_, "-td1,2,3"},       // before the archive is opened
+      {"", zip_, "-unpackage" + dest_},               // nothing left: no input
+      {zip_, "-unpackage''", "-check''"},             // a check run has no destination
   };
   for (const auto& args : refused) {
     std::string line;

@@ -1,37 +1,31 @@
 // Whole runs of `qvConvApp <project> -package<zip>` on complete projects: the
 // package's members, each document parsed back, content and telop bytes.
 #include <algorithm>
+#include <iterator>
+#include <sstream>
 
 #include "tests/blackbox/project_builder.h"
 
 namespace qvtest {
 namespace {
 
-const std::vector<std::string> kCleanMembers = {"QvFormat",
-                                                "QvFormat/QvC",
-                                                "QvFormat/QvC/CT1.png",
-                                                "QvFormat/QvC/CT3.mp4",
-                                                "QvFormat/QvC/CT4.jpg",
-                                                "QvFormat/QvC/CT5.tlp",
-                                                "QvFormat/QvP",
-                                                "QvFormat/QvP/PG1",
-                                                "QvFormat/QvP/PG1/PG1.xml",
-                                                "QvFormat/QvP/PG1/PL1.xml",
-                                                "QvFormat/QvP/PG2",
-                                                "QvFormat/QvP/PG2/PG2.xml",
-                                                "QvFormat/QvP/PG2/PL1.xml",
-                                                "QvFormat/QvP/PG2/PL2.xml",
-                                                "QvFormat/QvS.xml",
-                                                "QvFormat/QvT",
-                                                "QvFormat/QvT/TM1.xml",
-                                                "QvFormat/QvT/TM2.xml"};
+// The members of the clean project's package, sorted.
+std::vector<std::string> CleanMembers() {
+  std::istringstream in(
+      "QvFormat QvFormat/QvC QvFormat/QvC/CT1.png QvFormat/QvC/CT3.mp4 QvFormat/QvC/CT4.jpg "
+      "QvFormat/QvC/CT5.tlp QvFormat/QvP QvFormat/QvP/PG1 QvFormat/QvP/PG1/PG1.xml "
+      "QvFormat/QvP/PG1/PL1.xml QvFormat/QvP/PG2 QvFormat/QvP/PG2/PG2.xml "
+      "QvFormat/QvP/PG2/PL1.xml QvFormat/QvP/PG2/PL2.xml QvFormat/QvS.xml QvFormat/QvT "
+      "QvFormat/QvT/TM1.xml QvFormat/QvT/TM2.xml");
+  return {std::istream_iterator<std::string>(in), {}};
+}
 
 class ConversionPackage : public BlackBoxTest {};
 
 TEST_F(ConversionPackage, SampleConvertsAndChecksCleanly) {
   RunResult r = Package(kSample);
   ASSERT_EQ(r.status, 0) << r.output;
-  EXPECT_EQ(ZipMembers(zip_), kCleanMembers);
+  EXPECT_EQ(ZipMembers(zip_), CleanMembers());
   EXPECT_TRUE(WorkFolders(temp_).empty());
 
   // -check after -package wins: a check-only run, whose telop rule stops at
@@ -46,7 +40,7 @@ TEST_F(ConversionPackage, CleanProjectDocumentsAndContents) {
   BuildCleanProject(p_);
   RunResult r = Package();
   ASSERT_EQ(r.status, 0) << r.output;
-  EXPECT_EQ(ZipMembers(zip_), kCleanMembers)
+  EXPECT_EQ(ZipMembers(zip_), CleanMembers())
       << "one copy of a content used twice, no file for the blank, .jpeg becomes .jpg";
 
   // Programs are numbered in the order the time tables are walked, playlists per program; one

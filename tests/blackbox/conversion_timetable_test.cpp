@@ -74,7 +74,7 @@ TEST_F(ConversionTimeTable, OutcomeOfEachKindOfProject) {
     };
   };
   // On the clean project, else on the time table project: the status, the package delivered, the
-  // work folders left.
+  // work folders left, the last line of the log (P: the project).
   const struct {
     const char* what;
     bool clean;
@@ -82,21 +82,24 @@ TEST_F(ConversionTimeTable, OutcomeOfEachKindOfProject) {
     int status;
     bool delivered;
     size_t work_folders;
+    std::string exit_line = {};
   } cases[] = {
       {"a warning", false,
        [](ProjectBuilder& p) { p.Schedule({ScheduleEntry(DateFromToday(-3), "TimeTable_a.csv")}); },
-       1, true, 0},
+       1, true, 0, "exit 1: the check found warnings and no error"},
       {"an interrupt file", false, [](ProjectBuilder& p) { p.File("Interrupt_1.csv", ""); }, 2,
-       false, 1},
+       false, 1, "exit 2: the check found errors: nothing was delivered"},
       {"a content error", true,
        [](ProjectBuilder& p) { p.Playlist("Program_ads", 1, {MovieItem("clip.wmv")}); }, 2, false,
        1},
-      {"no schedule", false, remove("Schedule.csv"), Status(-101), false, 1},
+      {"no schedule", false, remove("Schedule.csv"), Status(-101), false, 1,
+       "exit -101: no schedule file in \"P\""},
       {"no project folder", false, [](ProjectBuilder& p) { RemoveAll(p.root()); }, Status(-101),
        false, 1},
       {"lower case schedule", false, rename_schedule("schedule.csv"), Status(-101), false, 1},
       {"schedule not first", false, rename_schedule("MySchedule.csv"), Status(-101), false, 1},
-      {"stamped schedule", false, rename_schedule("Schedule_20240101_120000_001.csv"), 0, true, 0},
+      {"stamped schedule", false, rename_schedule("Schedule_20240101_120000_001.csv"), 0, true, 0,
+       "exit 0: finished"},
       {"schedule in a subfolder", false,
        [](ProjectBuilder& p) {
          p.File("old/Schedule2.csv", CsvBytes({{"x"}, {"false"}}));
@@ -104,13 +107,15 @@ TEST_F(ConversionTimeTable, OutcomeOfEachKindOfProject) {
        0, true, 0},
       {"two schedules", false,
        [](ProjectBuilder& p) { p.File("Schedule2.csv", ReadFile(p.Path("Schedule.csv"))); },
-       Status(-103), false, 1},
+       Status(-103), false, 1, "exit -103: more than one schedule file in \"P\""},
       {"no escape", false,
        [](ProjectBuilder& p) {
          p.File("TimeTable_a.csv", "M\r\n0xD4F0FF\r\n06:00:00,a\\b,1,,1,\r\n");
        },
-       Status(-102), false, 1},
+       Status(-102), false, 1, "exit -102: cannot understand \"P\\TimeTable_a.csv\""},
       {"no program folder", true, remove("Program_ads"), Status(-101), false, 1},
+      {"no program file", true, remove("Program_ads/program.csv"), Status(-101), false, 1,
+       "exit -101: cannot open \"P\\Program_ads\\program.csv\""},
       {"no contents file", true, remove("ニュース番組/information/contents_1_002.csv"),
        Status(-101), false, 1},
       {"no playlist of a pane in use", true, remove("ニュース番組/playlist_5.csv"), Status(-101),
@@ -126,11 +131,17 @@ TEST_F(ConversionTimeTable, OutcomeOfEachKindOfProject) {
     ProjectBuilder p(dir.Sub("project"));
     c.clean ? BuildCleanProject(p) : BuildTimeTableProject(p);
     c.edit(p);
-    RunResult r = RunQv({p.root(), "-package" + dir.Sub("out.zip")}, RunEnv(dir.Sub("tmp")));
+    const std::string log = dir.Sub("run.log");
+    RunResult r =
+        RunQv({p.root(), "-package" + dir.Sub("out.zip"), "-log" + log}, RunEnv(dir.Sub("tmp")));
     EXPECT_EQ(r.status, c.status) << c.what;
     EXPECT_EQ(r.output, "") << c.what;
     EXPECT_EQ(Exists(dir.Sub("out.zip")), c.delivered) << c.what;
     EXPECT_EQ(WorkFolders(dir.Sub("tmp")).size(), c.work_folders) << c.what;
+    std::string line = ExitLine(ReadFile(log));
+    for (size_t at; (at = line.find(p.root())) != std::string::npos;)
+      line.replace(at, p.root().size(), "P");
+    EXPECT_TRUE(c.exit_line.empty() || line == c.exit_line) << c.what << ": " << line;
   }
 }
 

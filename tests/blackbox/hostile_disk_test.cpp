@@ -26,18 +26,11 @@ class HostileDisk : public BlackBoxTest {
   // Runs qvConvApp with `qv_args` and disk_ a tmpfs of `kib` KiB.
   RunResult OnSmallDisk(int kib, const std::vector<std::string>& qv_args,
                         const std::vector<std::string>& env = {}) {
+    const std::string mount =
+        "mount -t tmpfs -o size=$1 tmpfs \"$2\" || exit 99; shift 2; exec \"$@\"";
     std::vector<std::string> args{
-        "unshare",
-        "--mount",
-        "--propagation",
-        "private",
-        "sh",
-        "-c",
-        "mount -t tmpfs -o size=\"$1\" tmpfs \"$2\" || exit 99\nshift 2; exec \"$@\"",
-        "sh",
-        std::to_string(kib) + "k",
-        disk_,
-        QV_BINARY};
+        "unshare", "--mount", "--propagation",           "private", "sh",     "-c",
+        mount,     "sh",      std::to_string(kib) + "k", disk_,     QV_BINARY};
     args.insert(args.end(), qv_args.begin(), qv_args.end());
     return qvtest::Run(args, env);
   }

@@ -192,6 +192,19 @@ std::vector<std::string> FilesBelow(const std::string& folder) {
   return out;
 }
 
+std::vector<std::string> Contents(const std::string& folder) {
+  std::vector<std::string> out;
+  for (const std::string& file : FilesBelow(folder))
+    out.push_back(file + "=" + ReadFile(folder + "/" + file));
+  return out;
+}
+
+std::string ExitLine(const std::string& log) {
+  const std::size_t start = log.rfind('\n', log.size() - 2) + 1;
+  const std::size_t text = log.find("] ", start) + 2;
+  return log.size() < 2 || text < 2 ? "" : log.substr(text, log.size() - text - 1);
+}
+
 std::vector<std::string> RunEnv(const std::string& temp, const std::string& locale) {
   MakeDirs(temp);
   return {"TMPDIR=" + temp, "LC_ALL=" + locale, "LANG=" + locale, "LC_MESSAGES=" + locale};

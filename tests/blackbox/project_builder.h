@@ -90,10 +90,9 @@ class ProjectBuilder {
 void BuildCleanProject(ProjectBuilder& p);
 inline constexpr char kMovieBytes[] = "movie: not really an mp4";
 std::string CleanTelopUtf8();
-void BuildTimeTableProject(
-    ProjectBuilder& p);  // a schedule and two time tables of command rows only
-inline const std::string kSample =
-    std::string(QV_SOURCE_DIR) + "/examples/sample";  // the bundled sample
+// A schedule and two time tables of command rows only.
+void BuildTimeTableProject(ProjectBuilder& p);
+inline const std::string kSample = std::string(QV_SOURCE_DIR) + "/examples/sample";
 
 struct XmlNode {
   std::string name;
@@ -105,8 +104,8 @@ struct XmlNode {
     return attrs.count(attr) ? attrs.at(attr) : "";
   }
   std::vector<const XmlNode*> All(const std::string& child) const;
-  const XmlNode& At(
-      const std::string& child) const;  // the first; an empty node and a failure if none
+  // The first; an empty node and a failure if none.
+  const XmlNode& At(const std::string& child) const;
 };
 // The tree as text, one element a line, indented one space a level: "name a=1 b=2: text"
 // (attributes sorted, text only when not blank).
@@ -114,14 +113,18 @@ std::string Outline(const XmlNode& node, int depth = 0);
 XmlNode ParseXml(const std::string& path);  // a test failure and an empty node on error
 void Unzip(const std::string& zip, const std::string& folder);
 std::vector<std::string> FilesBelow(const std::string& folder);  // plain files, relative, sorted
+// Every file below `folder` as "path=bytes", sorted.
+std::vector<std::string> Contents(const std::string& folder);
 // The files below a folder with the stamps of their names as "S", sorted: two runs compare.
 std::vector<std::string> Unstamped(const std::string& folder);
-inline std::vector<std::string> WorkFolders(
-    const std::string& temp) {  // those a run left in <temp>/QvConv
+// The work folders a run left in <temp>/QvConv; the environment of a run: TMPDIR and locale.
+inline std::vector<std::string> WorkFolders(const std::string& temp) {
   return IsDir(temp + "/QvConv") ? ListDir(temp + "/QvConv") : std::vector<std::string>{};
 }
-std::vector<std::string> RunEnv(const std::string& temp,
-                                const std::string& locale = "C");  // TMPDIR and locale
+std::vector<std::string> RunEnv(const std::string& temp, const std::string& locale = "C");
+
+// The last line of a run's log, without its process id and line end.
+std::string ExitLine(const std::string& log);
 
 // A scratch folder with a project, an own temporary folder and places for a package and a report.
 class BlackBoxTest : public ::testing::Test {
