@@ -76,15 +76,13 @@ TEST_F(CheckReport, ProgramAgainstTheDisplayRegion) {
       {0, 0, 100, 100, 800, 600, "(100,100,800,600)", "program PG0701 E  \n"},
       {100, 100, 100, 100, 800, 600, "(100,100,800,600)", ""},
   };
-  p_.Schedule({ScheduleEntry("2035/05/05", "TimeTable_1.csv")});
-  p_.TimeTable("TimeTable_1.csv", "T", {ProgramLine("08:00:00", "09:00:00", "Program_1")});
   p_.Playlist("Program_1", 1, {MovieItem("a.mp4")});
   p_.Content("a.mp4", "a");
   for (const auto& c : cases) {
     ProgramShape shape;
     shape.x = c.x, shape.y = c.y, shape.width = c.width, shape.height = c.height;
     shape.panes = {Pane{1, c.pane_x, c.pane_y, c.width, c.height}};
-    p_.Program("Program_1", shape);
+    p_.OneProgram("Program_1", shape);
     RemoveAll(report_);
     EXPECT_EQ(RunQv({project_, "-check" + report_, "-td" + c.region}, RunEnv(temp_)).status,
               c.findings.empty() ? 0 : 2)
@@ -101,9 +99,7 @@ class CheckProgram : public BlackBoxTest {
   ProjectBuilder deep_p_{deep_};
 
   void Build(const std::vector<Pane>& panes, const std::vector<Item>& frame, int telop_font = 40) {
-    deep_p_.Schedule({ScheduleEntry("2035/05/05", "TimeTable_1.csv", "true")});
-    deep_p_.TimeTable("TimeTable_1.csv", "T", {ProgramLine("08:00:00", "09:00:00", "Program_1")});
-    deep_p_.Program("Program_1", ProgramShape{.panes = panes});
+    deep_p_.OneProgram("Program_1", ProgramShape{.panes = panes});
     deep_p_.Playlist("Program_1", 1, frame);
     for (const char* name : {"a.mp4", "b.png", "c.jpg"}) deep_p_.Content(name, name);
     const std::string telop = Cp932(TelopText(telop_font, 0, {"telop"}));

@@ -88,9 +88,7 @@ TEST_F(ConversionPackage, CleanProjectDocumentsAndContents) {
 }
 
 TEST_F(ConversionPackage, Utf16TelopCapitalExtensionsAndAMissingContentFile) {
-  p_.Schedule({ScheduleEntry("2035/05/05", "TimeTable_1.csv", "true")});
-  p_.TimeTable("TimeTable_1.csv", "T", {ProgramLine("08:00:00", "09:00:00", "Program_1")});
-  p_.Program("Program_1", {.panes = {Pane{1, 0, 0, 1920, 980}, Pane{5, 0, 980, 1920, 100}}});
+  p_.OneProgram("Program_1", {.panes = {Pane{1, 0, 0, 1920, 980}, Pane{5, 0, 980, 1920, 100}}});
   p_.Playlist("Program_1", 1,
               {ImageItem("Photo.JPEG"), MovieItem("Clip.MP4"), MovieItem("gone.mp4")});
   p_.Playlist("Program_1", 5, {TelopItem("NEWS.TLP")});

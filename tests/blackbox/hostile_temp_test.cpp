@@ -48,19 +48,11 @@ class HostileTemp : public BlackBoxTest {
   }
 
   bool Plants(Plant plant, const std::string& at) {
-    switch (plant) {
-      case kLinkToFolder:
-        return ::symlink(victim_.c_str(), at.c_str()) == 0;
-      case kLinkToFile:
-        return ::symlink(victim_file_.c_str(), at.c_str()) == 0;
-      case kDangling:
-        return ::symlink(dangling_.c_str(), at.c_str()) == 0;
-      case kOtherUsersFolder:
-        return ::mkdir(at.c_str(), 0755) == 0 && ::chown(at.c_str(), kOtherUser, -1) == 0;
-      case kFolderAnyoneWrites:
-        return ::mkdir(at.c_str(), 0700) == 0 && ::chmod(at.c_str(), 0777) == 0;
-    }
-    return false;
+    const std::string targets[] = {victim_, victim_file_, dangling_};  // of the three links
+    if (plant <= kDangling) return ::symlink(targets[plant].c_str(), at.c_str()) == 0;
+    if (plant == kOtherUsersFolder)
+      return ::mkdir(at.c_str(), 0755) == 0 && ::chown(at.c_str(), kOtherUser, -1) == 0;
+    return ::mkdir(at.c_str(), 0700) == 0 && ::chmod(at.c_str(), 0777) == 0;
   }
 
   std::string Identity(const std::string& path) {
@@ -81,15 +73,9 @@ class HostileTemp : public BlackBoxTest {
   }
   // The run's result is in place.
   bool Delivered(Way run) {
-    switch (run) {
-      case kOpenPackage:
-        return Exists(dest_ + "/old.txt") && FilesBelow(dest_).size() > 10;
-      case kOpenPlain:
-        return ListDir(dest_) == std::vector<std::string>{"dir/"};
-      case kPackage:
-        return Exists(zip2_);
-    }
-    return false;
+    if (run == kPackage) return Exists(zip2_);
+    return run == kOpenPlain ? ListDir(dest_) == std::vector<std::string>{"dir/"}
+                             : Exists(dest_ + "/old.txt") && FilesBelow(dest_).size() > 10;
   }
   bool Untouched() {
     return ListDir(dest_) == std::vector<std::string>{"old.txt"} && !Exists(zip2_);

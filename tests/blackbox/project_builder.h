@@ -72,6 +72,12 @@ class ProjectBuilder {
     Schedule(lines, file, title, "0xD4F0FF");  // the same shape: a title, a colour, the rows
   }
   void Program(const std::string& folder, const ProgramShape& shape);  // all nine pane lines
+  // A schedule of one day whose time table TimeTable_1.csv plays `folder` from 8 to 9 o'clock.
+  void OneProgram(const std::string& folder, const ProgramShape& shape) {
+    Schedule({ScheduleEntry("2035/05/05", "TimeTable_1.csv", "true")});
+    TimeTable("TimeTable_1.csv", "T", {ProgramLine("08:00:00", "09:00:00", folder)});
+    Program(folder, shape);
+  }
   // playlist_<pane>.csv and information/contents_<pane>_<k>.csv per item.
   void Playlist(const std::string& folder, int pane, const std::vector<Item>& items);
   void Content(const std::string& name, std::string_view bytes) { File("contents/" + name, bytes); }

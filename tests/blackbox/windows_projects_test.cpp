@@ -106,9 +106,7 @@ TEST_F(WindowsProjects, ListingAsWindowsGivesIt) {
 // A "/" inside a name from a project file is part of that name, as on Windows; a program kept in a
 // subfolder still finds its playlists and contents.
 TEST_F(WindowsProjects, SlashInsideANameIsPartOfIt) {
-  p_.Schedule({ScheduleEntry("2035/05/05", "TimeTable_1.csv", "true")});
-  p_.TimeTable("TimeTable_1.csv", "T", {ProgramLine("08:00:00", "09:00:00", "Programs/Lobby")});
-  p_.Program("Programs/Lobby", {.panes = {Pane{1}}});
+  p_.OneProgram("Programs/Lobby", {.panes = {Pane{1}}});
   p_.Playlist("Programs/Lobby", 1, {MovieItem("clip.mp4")});
   p_.Content("clip.mp4", kMovieBytes);
   const RunResult r = Package();
@@ -121,9 +119,7 @@ TEST_F(WindowsProjects, SlashInsideANameIsPartOfIt) {
 // Content kept beside the project ("..\..\media\logo.png" from a program folder) goes into the
 // package, as on Windows, and its playlist still names it.
 TEST_F(WindowsProjects, ContentBesideTheProjectIsPacked) {
-  p_.Schedule({ScheduleEntry("2035/05/05", "TimeTable_1.csv", "true")});
-  p_.TimeTable("TimeTable_1.csv", "T", {ProgramLine("08:00:00", "09:00:00", "Program_1")});
-  p_.Program("Program_1", {.panes = {Pane{1}}});
+  p_.OneProgram("Program_1", {.panes = {Pane{1}}});
   Item shared = ImageItem("x"), own = MovieItem("clip.mp4");
   shared.path_cell = "..\\..\\media\\logo.png";
   p_.Playlist("Program_1", 1, {shared, own});
