@@ -160,8 +160,8 @@ RunResult Run(const std::vector<std::string>& args, const std::vector<std::strin
   pid_t pid = 0;
   int rc;
   {
-    std::optional<EnvOverride>
-        path;  // an environment that changes PATH must also be the one searched
+    // An environment that changes PATH must also be the one searched.
+    std::optional<EnvOverride> path;
     for (const auto& e : env)
       if (key(e) == "PATH") path.emplace("PATH", e.substr(5));
     rc = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), envp.data());
@@ -273,28 +273,16 @@ std::string StoredZip(const std::vector<ZipEntry>& entries) {
       for (int k = 0; k < 8; ++k, byte >>= 1)
         crc = (crc >> 1) ^ (0xEDB88320u & -((crc ^ byte) & 1u));
     // From "version needed" to the extra field's length, in both headers.
-    const std::string common = Le({{20, 2},
-                                   {utf8 ? 0x800 : 0, 2},
-                                   {0, 4},
-                                   {0x21, 2},
-                                   {~crc, 4},
-                                   {data.size(), 4},
-                                   {data.size(), 4},
-                                   {name.size(), 2},
-                                   {0, 2}});
+    const std::string common = Le({{20, 2}, {utf8 ? 0x800 : 0, 2}, {0, 4}, {0x21, 2}, {~crc, 4}}) +
+                               Le({{data.size(), 4}, {data.size(), 4}, {name.size(), 2}, {0, 2}});
     // Made by Unix (3) when a mode is given, so that the mode counts.
     directory += Le({{0x02014b50, 4}, {mode != 0 ? 0x0314u : 20u, 2}}) + common +
                  Le({{0, 6}, {mode << 16, 4}, {body.size(), 4}}) + name;
     body += Le({{0x04034b50, 4}}) + common + name + data;
   }
   return body + directory +
-         Le({{0x06054b50, 4},
-             {0, 4},
-             {entries.size(), 2},
-             {entries.size(), 2},
-             {directory.size(), 4},
-             {body.size(), 4},
-             {0, 2}});
+         Le({{0x06054b50, 4}, {0, 4}, {entries.size(), 2}, {entries.size(), 2}}) +
+         Le({{directory.size(), 4}, {body.size(), 4}, {0, 2}});
 }
 
 std::vector<std::pair<std::string, bool>> ZipNames(const std::string& zip) {
