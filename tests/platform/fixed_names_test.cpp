@@ -50,62 +50,41 @@ class FixedNames : public testing::Test {
   std::string victim_file_ = scratch_.Sub("victim.txt"), name_ = shared_ + "/fixed";
 };
 
-struct Planting {
-  const char* what;
-  std::function<bool(const std::string& at, const std::string& victim, const std::string& file)>
-      plant;
-  bool folder_ready, lock_ready;
-  bool needs_root = false;
-};
-
 bool Made(int result) { return result == 0; }
 
-const std::vector<Planting> kPlantings = {
-    {"own folder", [](auto& at, auto&, auto&) { return Made(::mkdir(at.c_str(), 0755)); }, true,
-     false},
-    {"own file", [](auto& at, auto&, auto&) { return Made(::close(::creat(at.c_str(), 0644))); },
-     false, true},
-    {"link to a folder",
-     [](auto& at, auto& v, auto&) { return Made(::symlink(v.c_str(), at.c_str())); }, false, false},
-    {"link to a file",
-     [](auto& at, auto&, auto& f) { return Made(::symlink(f.c_str(), at.c_str())); }, false, false},
-    {"dangling link",
-     [](auto& at, auto& v, auto&) {
-       return Made(::symlink((v + "/../missing").c_str(), at.c_str()));
-     },
-     false, false},
-    {"hard link to a file",
-     [](auto& at, auto&, auto& f) { return Made(::link(f.c_str(), at.c_str())); }, false, false},
-    {"folder writable by others",
-     [](auto& at, auto&, auto&) {
-       return Made(::mkdir(at.c_str(), 0700)) && Made(::chmod(at.c_str(), 0777));
-     },
-     false, false},
-    {"file writable by the group",
-     [](auto& at, auto&, auto&) {
-       return Made(::close(::creat(at.c_str(), 0600))) && Made(::chmod(at.c_str(), 0620));
-     },
-     false, false},
-    {"pipe", [](auto& at, auto&, auto&) { return Made(::mkfifo(at.c_str(), 0600)); }, false, false},
-    {"folder of another user",
-     [](auto& at, auto&, auto&) {
-       return Made(::mkdir(at.c_str(), 0700)) && Made(::chown(at.c_str(), kOtherUser, -1));
-     },
-     false, false, true},
-    {"file of another user",
-     [](auto& at, auto&, auto&) {
-       return Made(::close(::creat(at.c_str(), 0600))) && Made(::chown(at.c_str(), kOtherUser, -1));
-     },
-     false, false, true},
-};
-
 TEST_F(FixedNames, PlantedNamesAreRefusedAndLeftAlone) {
+  const char *at = name_.c_str(), *folder = victim_.c_str(), *file = victim_file_.c_str();
+  const std::string dangling = victim_ + "/../missing";
+  const bool root = ::geteuid() == 0;  // only root makes files of another user
+  const struct {
+    const char* what;
+    std::function<bool()> plant;
+    bool folder_ready = false, lock_ready = false, needs_root = false;
+  } plantings[] = {
+      {"own folder", [&] { return Made(::mkdir(at, 0755)); }, true},
+      {"own file", [&] { return Made(::close(::creat(at, 0644))); }, false, true},
+      {"link to a folder", [&] { return Made(::symlink(folder, at)); }},
+      {"link to a file", [&] { return Made(::symlink(file, at)); }},
+      {"dangling link", [&] { return Made(::symlink(dangling.c_str(), at)); }},
+      {"hard link to a file", [&] { return Made(::link(file, at)); }},
+      {"folder writable by others",
+       [&] { return Made(::mkdir(at, 0700)) && Made(::chmod(at, 0777)); }},
+      {"file writable by the group",
+       [&] { return Made(::close(::creat(at, 0600))) && Made(::chmod(at, 0620)); }},
+      {"pipe", [&] { return Made(::mkfifo(at, 0600)); }},
+      {"folder of another user",
+       [&] { return Made(::mkdir(at, 0700)) && Made(::chown(at, kOtherUser, -1)); }, false, false,
+       true},
+      {"file of another user",
+       [&] { return Made(::close(::creat(at, 0600))) && Made(::chown(at, kOtherUser, -1)); }, false,
+       false, true},
+  };
   const SharedFolder shared(U16(shared_));
   ASSERT_EQ(shared.status(), FixedName::kReady);
-  for (const Planting& p : kPlantings) {
-    if (p.needs_root && ::geteuid() != 0) continue;  // no other user's files can be made
+  for (const auto& p : plantings) {
     for (const bool as_lock : {false, true}) {
-      ASSERT_TRUE(p.plant(name_, victim_, victim_file_)) << p.what;
+      if (p.needs_root && !root) continue;
+      ASSERT_TRUE(p.plant()) << p.what;
       const std::string before = Identity(name_);
       const bool ready = as_lock ? p.lock_ready : p.folder_ready;
       if (as_lock) {
@@ -126,7 +105,7 @@ TEST_F(FixedNames, PlantedNamesAreRefusedAndLeftAlone) {
   }
 }
 
-TEST_F(FixedNames, FreeNamesAreMadeOursAlone) {
+TEST_F(FixedNames, FreeFolderNameIsMadeOursAlone) {
   const SharedFolder shared(U16(shared_));
   {
     PrivateFolder folder(shared, u"fixed");
@@ -146,15 +125,6 @@ TEST_F(FixedNames, FreeNamesAreMadeOursAlone) {
     EXPECT_TRUE(folder.Remove());
     EXPECT_FALSE(qvtest::Exists(name_));
   }
-  {
-    const FileLock lock(shared, u"fixed.lock");
-    ASSERT_TRUE(lock.held());
-    struct stat st;
-    ASSERT_EQ(::stat((name_ + ".lock").c_str(), &st), 0);
-    EXPECT_EQ(st.st_mode & 07777, 0600u);
-    EXPECT_EQ(st.st_size, 0);
-  }
-  EXPECT_FALSE(qvtest::Exists(name_ + ".lock"));
   EXPECT_TRUE(VictimIntact());
 }
 
@@ -211,12 +181,16 @@ TEST_F(FixedNames, PlainFileInsideIsReachedWithoutLinks) {
   EXPECT_EQ(qvtest::ReadFile(elsewhere + "/QvS.xml"), "<s/>");
 }
 
-TEST_F(FixedNames, LockIsExclusiveBetweenProcesses) {
+TEST_F(FixedNames, FreeLockNameIsMadeOursAndExclusiveBetweenProcesses) {
   const SharedFolder shared(U16(shared_));
   const std::string lock_file = shared_ + "/lock";
   {
     FileLock lock(shared, u"lock");
     ASSERT_TRUE(lock.held());
+    struct stat st;  // an empty file that only we may write
+    ASSERT_EQ(::stat(lock_file.c_str(), &st), 0);
+    EXPECT_EQ(st.st_mode & 07777, 0600u);
+    EXPECT_EQ(st.st_size, 0);
     // flock(1) in another process must not get the lock while we hold it.
     EXPECT_NE(qvtest::Run({"flock", "-n", lock_file, "true"}).status, 0);
   }

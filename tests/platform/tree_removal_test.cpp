@@ -1,6 +1,6 @@
 // Removing trees on folder descriptors: nothing outside a tree is touched, whatever links it holds
 // at whatever depth; names that are not UTF-8, read-only files and folders that may not be read or
-// written all go; a tree of any depth goes with few descriptors.
+// written all go; a tree of any depth is settled (extracted names) and goes with few descriptors.
 #include "platform/tree_removal.h"
 
 #include <fcntl.h>
@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/extracted_names.h"
 #include "tests/support/test_support.h"
 
 namespace quorvane::platform {
@@ -97,24 +98,34 @@ TEST_F(TreeRemoval, TheTopMustBeARealFolder) {
   EXPECT_TRUE(OutsideIntact());
 }
 
-// Deeper than the descriptors a process may open: folders far above are left and found again.
-TEST_F(TreeRemoval, AnyDepthWithFewDescriptors) {
-  constexpr int kDepth = 300;
-  std::string level = top_;
-  for (int i = 0; i < kDepth; ++i) level += "/d";
-  qvtest::WriteFile(level + "/deepest.txt", "x");
-  Link(outside_, level + "/to_folder");
-  qvtest::WriteFile(top_ + "/d/d/beside.txt", "y");
+// Whether `call` succeeds in a child process that may open no more than 64 descriptors.
+template <typename Call>
+bool WithFewDescriptors(Call call) {
   const pid_t child = ::fork();
-  ASSERT_GE(child, 0);
   if (child == 0) {
     const rlimit few{64, 64};
     ::setrlimit(RLIMIT_NOFILE, &few);
-    ::_exit(RemoveTree(U16(top_)) ? 0 : 1);
+    ::_exit(call() ? 0 : 1);
   }
   int status = -1;
-  ASSERT_EQ(::waitpid(child, &status, 0), child);
-  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  return child > 0 && ::waitpid(child, &status, 0) == child && WIFEXITED(status) &&
+         WEXITSTATUS(status) == 0;
+}
+
+// Deeper than the descriptors a process may open: folders far above are left and found again,
+// by the settling of extracted names and by the removal.
+TEST_F(TreeRemoval, AnyDepthWithFewDescriptors) {
+  std::string deep = top_;
+  for (int i = 0; i < 300; ++i) deep += "/d";
+  qvtest::WriteFile(deep + "/x\\y", "1");
+  qvtest::WriteFile(deep + "/" + qvtest::Cp932("平日.csv"), "2");
+  qvtest::WriteFile(top_ + "/d\\e", "3");
+  EXPECT_TRUE(WithFewDescriptors([&] { return FixExtractedNames(U16(top_)); }));
+  EXPECT_EQ(qvtest::ReadFile(deep + "/x/y"), "1");
+  EXPECT_EQ(qvtest::ReadFile(deep + "/平日.csv"), "2");
+  EXPECT_EQ(qvtest::ReadFile(top_ + "/d/e"), "3");
+  Link(outside_, deep + "/to_folder");
+  EXPECT_TRUE(WithFewDescriptors([&] { return RemoveTree(U16(top_)); }));
   EXPECT_FALSE(qvtest::Exists(top_));
   EXPECT_TRUE(OutsideIntact());
 }

@@ -39,50 +39,26 @@ class ArchiveTool : public testing::Test {
   qvtest::EnvOverride temp_;
 };
 
-TEST_F(ArchiveTool, ProbeTellsPackagesFromPlainArchives) {
-  EXPECT_TRUE(Probe(Zip("p.zip", "QvFormat/QvS.xml")));
-  EXPECT_FALSE(Probe(Zip("q.zip", "QvFormat/other.xml")));
-  EXPECT_FALSE(Probe(Zip("r.zip", "sub/QvFormat/QvS.xml")));
-  EXPECT_FALSE(Probe(scratch_.Sub("missing.zip")));
-  // A folder named like the marker file is no package.
-  EXPECT_FALSE(Probe(Zip("s.zip", "QvFormat/QvS.xml/inner.txt")));
-}
-
-// As on NTFS, the marker is found in any case, also behind "\" between folders as PowerShell
-// writes them; only a plain file counts.
-TEST_F(ArchiveTool, ProbeFindsTheMarkerInAnyCase) {
-  const std::string outside = scratch_.Sub("outside.xml");
-  qvtest::WriteFile(outside, "<s/>");
-  const struct {
-    std::vector<qvtest::ZipEntry> entries;
-    bool package;
-  } cases[] = {
-      {{{"qvformat/qvs.xml", "<s/>"}}, true},
-      {{{"QVFORMAT\\QVS.XML", "<s/>"}}, true},
-      {{{"QvFormat/other.xml", ""}, {"qvformat/QvS.xml", "<s/>"}}, true},
-      {{{"QvFormat/QvS.xml.bak", "<s/>"}, {"QvFormat/QvS", "<s/>"}}, false},
-      {{{"QvFormat/other.xml", ""}, {"qvformat/QVS.XML/inner.txt", ""}}, false},
-      {{{"qvformat/qvs.xml", outside, 0120777}}, false},  // a link to a local file
-  };
-  for (const auto& c : cases) {
-    qvtest::WriteFile(scratch_.Sub("w.zip"), qvtest::StoredZip(c.entries));
-    EXPECT_EQ(Probe(scratch_.Sub("w.zip")), c.package) << c.entries[0].name;
-  }
-}
-
 // The probe extracts no more of an archive than the marker needs, and its answer is that of a
-// whole extraction for every shape of archive: names in other case or with "\\", a marker
+// whole extraction for every shape of archive: the marker in any case as on NTFS, also behind "\\"
+// between folders as PowerShell writes them, and only as a plain file at the top; a marker
 // folder, links and files where folders belong, parts that are dropped, names taken twice,
 // names in code page 932, names that would forge a listing, damaged archives.
 TEST_F(ArchiveTool, ProbeAnswersAsAWholeExtractionWould) {
   const std::string outside = scratch_.Sub("outside");
-  qvtest::MakeDirs(outside);
+  qvtest::WriteFile(outside + "/s.xml", "<s/>");
   const struct {
     std::vector<qvtest::ZipEntry> entries;
     bool package;
   } cases[] = {
       {{{"QvFormat\\QvS.xml", "<s/>"}, {"QvFormat/QvT/TM1.xml", "<t/>"}}, true},
-      {{{"qvformat\\qvs.xml", "<s/>"}}, true},
+      {{{"qvformat/qvs.xml", "<s/>"}}, true},
+      {{{"QVFORMAT\\QVS.XML", "<s/>"}}, true},
+      {{{"QvFormat/other.xml", ""}, {"qvformat/QvS.xml", "<s/>"}}, true},
+      {{{"QvFormat/other.xml", ""}, {"sub/QvFormat/QvS.xml", "<s/>"}}, false},
+      {{{"QvFormat/QvS.xml.bak", "<s/>"}, {"QvFormat/QvS", "<s/>"}}, false},
+      {{{"QvFormat/other.xml", ""}, {"qvformat/QVS.XML/inner.txt", ""}}, false},
+      {{{"qvformat/qvs.xml", outside + "/s.xml", 0120777}}, false},  // a link to a local file
       {{{"QvFormat/", "", 040755}, {"QvFormat/QvT/TM1.xml", "<t/>"}}, false},
       {{{"QvFormat/QvS.xml", "<s/>"}, {"QvFormat\\QvS.xml", "<t/>"}}, true},
       {{{"QvFormat/QvS.xml", "<s/>"}, {"QVFORMAT/QVS.XML", "<t/>"}}, true},
@@ -105,6 +81,7 @@ TEST_F(ArchiveTool, ProbeAnswersAsAWholeExtractionWould) {
     qvtest::WriteFile(scratch_.Sub("w.zip"), qvtest::StoredZip(c.entries));
     EXPECT_EQ(Probe(scratch_.Sub("w.zip")), c.package) << c.entries[0].name;
   }
+  EXPECT_FALSE(Probe(scratch_.Sub("missing.zip")));
   // A damaged package: cut short, or its marker's bytes spoilt.
   const std::string zip = qvtest::StoredZip(
       {{"QvFormat/QvT/TM1.xml", std::string(4000, 't')}, {"QvFormat/QvS.xml", "<s/>"}});
