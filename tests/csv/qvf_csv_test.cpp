@@ -143,7 +143,7 @@ TEST(CsvFileRead, SharedReadsServeTheNextReadOfTheSamePathOnce) {
 }
 
 // The add form numbers new keys, the plain form enters an empty one.
-TEST(CsvIndex, NumbersKeysAndEachProgramsPlaylists) {
+TEST(CsvNames, IndexKeysPlaylistsAndWrittenNames) {
   QvFCsvIndex index;
   EXPECT_EQ(index.addTimetableId(u"b.csv"), u"TM1");
   EXPECT_EQ(index.addTimetableId(u"a.csv"), u"TM2");
@@ -165,9 +165,8 @@ TEST(CsvIndex, NumbersKeysAndEachProgramsPlaylists) {
   EXPECT_EQ(index.programEntry(u"PG2").addPlaylistId(u"playlist_2.csv"), u"PL1");
   EXPECT_EQ(&index.programEntry(u"PG1"), &first);
   EXPECT_EQ(index.findProgramEntry(u"PG1"), &first);
-}
 
-TEST(CsvWriterNames, NumbersAtFirstUseWithTheStamp) {
+  // The writer numbers file and folder names at their first use, with its stamp.
   QvFWriteCsv writer(u"20240102_030405");
   EXPECT_EQ(writer.scheduleFileName(), u"Schedule_20240102_030405_001.csv");
   // Numbers follow the first use, not the identifier.

@@ -65,9 +65,9 @@ TEST(XmlDocument, WhatParsesAndWhatIs300) {
             -300 * 2);  // no file, a folder
   // No grammar and any root: validation errors are dropped. A few internal entity expansions are
   // ordinary XML.
-  EXPECT_EQ(
-      ParseCode("<?xml version=\"1.0\"?><!-- c --><p:any xmlns:p=\"urn:x\" x=\"1\"><y/></p:any>"),
-      0);
+  EXPECT_EQ(ParseCode("<?xml version=\"1.0\"?><!-- c --><p:any xmlns:p=\"urn:x\" x=\"1\">"
+                      "<y/></p:any>"),
+            0);
   std::string bytes;
   EXPECT_EQ(ParseCode("\xEF\xBB\xBF<!DOCTYPE qv [<!ENTITY w \"word\">]><qv n=\"&w;&w;\"/>", &bytes),
             0);
