@@ -7,6 +7,7 @@ namespace {
 
 using qvtest::Cp932;
 using qvtest::U16;
+using namespace std::string_literals;
 
 TEST(TelopRecoding, TextBecomesUtf8ByItsMark) {
   EXPECT_EQ(TelopAsUtf8(Cp932("お知らせ\r\n本日休業\r\n"), 0), "お知らせ\r\n本日休業\r\n");
@@ -16,34 +17,14 @@ TEST(TelopRecoding, TextBecomesUtf8ByItsMark) {
   EXPECT_EQ(TelopAsUtf8("\n\x1a", 0), "\r\n");
   // A UTF-8 mark is not honoured, and big-endian UTF-16 is read as code page 932 too: its zero
   // bytes stay.
-  EXPECT_NE(TelopAsUtf8("\xEF\xBB\xBF"
-                        "abc",
-                        3),
-            "abc");
-  EXPECT_EQ(TelopAsUtf8(std::string("\xFE\xFF\x00"
-                                    "a",
-                                    4)
-                            .substr(2),
-                        2),
-            std::string("\0a", 2));
+  EXPECT_NE(TelopAsUtf8("\xEF\xBB\xBF"s + "abc", 3), "abc");
+  EXPECT_EQ(TelopAsUtf8("\0a"s, 2), "\0a"s);
   // Little-endian UTF-16 drops its mark and line feeds; reading ends at a character beyond the
   // basic plane, and an odd last byte is no character.
-  EXPECT_EQ(TelopAsUtf8(std::string("\xFF\xFE"
-                                    "a\0\r\0\n\0\x42\x30\n\0",
-                                    12),
-                        1),
-            "a\r\xE3\x81\x82");
-  EXPECT_EQ(TelopAsUtf8(std::string("\xFF\xFE"
-                                    "x\0\x3D\xD8\x00\xDE"
-                                    "y\0",
-                                    10),
-                        1),
-            "x");
-  EXPECT_EQ(TelopAsUtf8(std::string("\xFF\xFE"
-                                    "z\0!",
-                                    5),
-                        1),
-            "z");
+  const std::string le = "\xFF\xFE";
+  EXPECT_EQ(TelopAsUtf8(le + "a\0\r\0\n\0\x42\x30\n\0"s, 1), "a\r\xE3\x81\x82");
+  EXPECT_EQ(TelopAsUtf8(le + "x\0\x3D\xD8\x00\xDEy\0"s, 1), "x");
+  EXPECT_EQ(TelopAsUtf8(le + "z\0!"s, 1), "z");
 }
 
 TEST(TelopRecoding, CopyWritesUtf8AndFailsOnlyWithoutASource) {

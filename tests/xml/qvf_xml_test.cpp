@@ -1,0 +1,351 @@
+// The XML layer: parsing (also of hostile files) and the bytes written; scenario documents in
+// round trips in both vocabularies, values written only when set, and hand-written documents with
+// the rules of walking them.
+#include <ctime>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "model/qvf_records.h"
+#include "tests/support/fake_env.h"
+#include "tests/support/test_support.h"
+#include "xml/qvf_read_xml.h"
+#include "xml/qvf_tag_table.h"
+#include "xml/qvf_write_xml.h"
+#include "xml/qvf_xml_document.h"
+
+namespace quorvane::qvformat::format::io::xml {
+namespace {
+
+using qvtest::U16;
+using Int = std::optional<std::int32_t>;
+
+// Parses a file: the code of the failure, or 0; `bytes` gets the document written again.
+int ParseFile(const std::string& path, std::string* bytes = nullptr) {
+  return qvtest::CodeOf([&] {
+    QvFXmlDocument document;
+    document.parse(U16(path));
+    if (bytes) *bytes = document.serializeToBytes(false);
+  });
+}
+
+int ParseCode(const std::string& text, std::string* bytes = nullptr) {
+  qvtest::ScratchDir dir;
+  qvtest::WriteFile(dir.Sub("d.xml"), text);
+  return ParseFile(dir.Sub("d.xml"), bytes);
+}
+
+TEST(XmlDocument, WritesAttributesByTheEmptyValueRuleAsUtf8) {
+  QvFXmlDocument document;
+  document.createDocument();
+  xercesc::DOMElement* root = document.appendElement(nullptr, u"qv");
+  // Only a compact command's "ti" is written with an empty value.
+  EXPECT_NE(document.addAttribute(root, u"ti", u""), nullptr);
+  EXPECT_EQ(document.addAttribute(root, u"target_input", u""), nullptr);
+  document.addAttribute(root, u"n", u"日本");
+  document.appendElement(document.appendElement(root, u"sl"), u"s");
+  EXPECT_EQ(document.serializeToBytes(false),
+            "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"no\" ?>"
+            "<qv n=\"\xE6\x97\xA5\xE6\x9C\xAC\" ti=\"\"><sl><s/></sl></qv>");
+  // Text that XML cannot carry fails cleanly.
+  document.addAttribute(root, u"n", std::u16string(u"a") + char16_t{1});
+  EXPECT_THROW(document.serializeToBytes(false), std::runtime_error);
+  EXPECT_THROW(document.appendElement(root, u"not a name"), std::runtime_error);
+  // A name outside the tag table is empty.
+  EXPECT_TRUE(QvFTagTable()[-1].empty() && QvFDebugTagTable()[kTagCount].empty());
+}
+
+TEST(XmlDocument, WhatParsesAndWhatIs300) {
+  for (const char* bad :
+       {"", "just some text", "<qv><sl></qv>", "<qv/><qv/>", "<qv n=\"&nothing;\"/>"})
+    EXPECT_EQ(ParseCode(bad), -300) << bad;
+  qvtest::ScratchDir dir;
+  EXPECT_EQ(ParseFile(dir.Sub("missing.xml")) + ParseFile(dir.path()),
+            -300 * 2);  // no file, a folder
+  // No grammar and any root: validation errors are dropped. A few internal entity expansions are
+  // ordinary XML.
+  EXPECT_EQ(ParseCode("<?xml version=\"1.0\"?><!-- c --><p:any xmlns:p=\"urn:x\" x=\"1\">"
+                      "<y/></p:any>"),
+            0);
+  std::string bytes;
+  EXPECT_EQ(ParseCode("\xEF\xBB\xBF<!DOCTYPE qv [<!ENTITY w \"word\">]><qv n=\"&w;&w;\"/>", &bytes),
+            0);
+  EXPECT_NE(bytes.find("<qv n=\"wordword\"/>"), std::string::npos);
+}
+
+// A hostile package must not pull a local file into what we write from it.
+TEST(XmlDocument, ExternalEntitiesAndDtdsAreNeverRead) {
+  qvtest::ScratchDir dir;
+  qvtest::WriteFile(dir.Sub("secret.txt"), "TOPSECRET");
+  qvtest::WriteFile(dir.Sub("evil.dtd"), "<!ENTITY leak SYSTEM \"secret.txt\">");
+  const std::string documents[] = {
+      "<!DOCTYPE qv [<!ENTITY x SYSTEM \"file://" + dir.Sub("secret.txt") + "\">]><qv>&x;</qv>",
+      "<!DOCTYPE qv [<!ENTITY x SYSTEM \"secret.txt\">]><qv>&x;</qv>",
+      "<!DOCTYPE qv SYSTEM \"evil.dtd\"><qv>&leak;</qv>",
+      "<!DOCTYPE qv [<!ENTITY % p SYSTEM \"evil.dtd\"> %p;]><qv>&leak;</qv>",
+  };
+  for (const std::string& text : documents) {
+    qvtest::WriteFile(dir.Sub("d.xml"), text);
+    std::string bytes;
+    const int code = ParseFile(dir.Sub("d.xml"), &bytes);  // refusing the file is as good
+    EXPECT_TRUE(code == -300 || (code == 0 && bytes.find("TOPSECRET") == std::string::npos))
+        << text;
+  }
+}
+
+// Start-ups and shut-downs of the library pair up, also when a failure passes.
+TEST(XmlDocument, LibraryStartUpsPairWithShutDowns) {
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(ParseCode("<qv"), -300);
+  {
+    QvFXmlLibrary library;
+    QvFXmlDocument reused;
+    reused.createDocument(), reused.createDocument();  // a second start-up on the same holder
+  }
+  try {
+    QvFXmlDocument document;
+    document.createDocument();
+    throw std::runtime_error("passing through");
+  } catch (const std::runtime_error&) {
+  }
+  EXPECT_EQ(ParseCode("<qv/>"), 0);
+}
+
+std::tm FixedNow() {  // 2031/07/04 05:06:07
+  std::tm t{};
+  t.tm_year = 131, t.tm_mon = 6, t.tm_mday = 4, t.tm_hour = 5, t.tm_min = 6, t.tm_sec = 7;
+  return t;
+}
+
+// The item at `index` as the record its kind names; another kind fails.
+template <typename Record>
+const Record& Item(const QvFPlaylist& playlist, size_t index) {
+  const QvFContent* item =
+      index < playlist.contents.size() ? playlist.contents[index].get() : nullptr;
+  if (item == nullptr || item->kind != Record().kind) throw std::runtime_error("no such item");
+  return static_cast<const Record&>(*item);
+}
+
+// Documents of the compact vocabulary, or of the debug one where debug_ says so.
+class XmlDocuments : public testing::Test {
+ protected:
+  qvtest::FixedClock clock_{FixedNow()};
+
+  // Writes the record and reads it back; bytes_ gets what was written after the declaration. With
+  // `again`, what was read must write the same bytes, but that an absent valid or add flag comes
+  // back as a present false.
+  template <typename Record>
+  auto Trip(const Record& record, bool again = false) {
+    Write(record);
+    bytes_ = Body();
+    auto read = Read(record);
+    if (again) Write(read);
+    const std::vector<std::string> flags = {" valid=\"false\"", " v=\"f\"",     " add=\"false\"",
+                                            " ad=\"f\"",        " valid=\"f\"", " v=\"false\"",
+                                            " add=\"f\"",       " ad=\"false\""};
+    EXPECT_EQ(qvtest::EraseAll(Body(), flags), qvtest::EraseAll(bytes_, flags));
+    return read;
+  }
+  void Write(const QvFSchedule& r) { QvFWriteXml(debug_).outputSchedule(U16(path_), r); }
+  void Write(const QvFTimeTable& r) { QvFWriteXml(debug_).outputTimeTable(U16(path_), r); }
+  void Write(const QvFProgram& r) { QvFWriteXml(debug_).outputProgram(U16(path_), r); }
+  void Write(const QvFPlaylist& r) { QvFWriteXml(debug_).outputPlaylist(U16(path_), r); }
+  template <typename Record>
+  void Write(const std::unique_ptr<Record>& r) {
+    Write(*r);
+  }
+  auto Read(const QvFSchedule&) { return QvFReadXml(debug_).readSchedule(U16(path_)); }
+  auto Read(const QvFTimeTable&) { return QvFReadXml(debug_).readTimeTable(U16(path_)); }
+  auto Read(const QvFProgram&) { return QvFReadXml(debug_).readProgram(U16(path_)); }
+  auto Read(const QvFPlaylist&) { return QvFReadXml(debug_).readPlaylist(U16(path_)); }
+  std::string Body() {
+    const std::string b = qvtest::ReadFile(path_);
+    return b.substr(b.find("?>") + 2);
+  }
+  std::u16string Hand(const std::string& text) {
+    qvtest::WriteFile(path_, text);
+    return U16(path_);
+  }
+
+  bool debug_ = false;
+  qvtest::ScratchDir dir_;
+  std::string path_ = dir_.Sub("document.xml");
+  std::string bytes_;
+};
+
+class XmlVocabularies : public XmlDocuments, public testing::WithParamInterface<bool> {
+ protected:
+  XmlVocabularies() { debug_ = GetParam(); }
+};
+
+TEST_P(XmlVocabularies, RecordsComeBackWhole) {
+  QvFSchedule schedule;
+  schedule.id.assign(u"SC0001"), schedule.name = u"週間", schedule.version = u"1.0",
+                                 schedule.schedule_list.add = true;
+  QvFScheduleEntry& entry = schedule.schedule_list.schedules.emplace_back();
+  entry.default_ = true, entry.valid = true, entry.name = u"holiday",
+  entry.ref_timetable.assign(u"TM0001");
+  EXPECT_EQ(Trip(schedule, true).schedule_list.schedules.at(0).ref_timetable.kind, kIdTimeTable);
+
+  QvFTimeTable timetable;
+  timetable.id.assign(u"TM0007"), timetable.name = u"平日", timetable.table_list.name = u"rows";
+  QvFTableProgram& row = timetable.table_list.tables.emplace_back().program.emplace();
+  row.ref_program.assign(u"PG0003"), row.type = u"loop", row.end_time.tm_min = 45;
+  QvFTableCommand& command = timetable.table_list.tables.emplace_back().command.emplace();
+  command.type = 3, command.target_input = u"HDMI1";
+  EXPECT_EQ(Trip(timetable, true)->table_list.tables.at(1).command->start_time.tm_min,
+            6);  // made now
+
+  QvFProgram program;
+  program.valid = true, program.id.assign(u"PG0001");
+  QvFProgramInfo& info = program.program_info;
+  info.name = u"frame 日本", info.layout_lock = true, info.program_time.tm_sec = 9;
+  info.region = QvFRegion{{}, -10, 20, 3840, 2160};
+  info.background_color.a = 128, info.background_color.b = 255;
+  for (int type = 1; type < 4; ++type) {
+    QvFPane& pane = program.pane_info.panes.emplace_back();
+    pane.valid = type == 2, pane.region = QvFRegion{{}, 100 * type, 7, 640, 360 + type};
+    pane.playlist_file.ref_playlist.assign(u"PL" + std::u16string(1, u'0' + type));
+    pane.playlist_file.type = type, pane.playlist_file.mute = type == 1;
+  }
+  Trip(program, true);
+
+  QvFPlaylist playlist;
+  auto movie = std::make_shared<QvFMovie>();
+  movie->ref_content.assign(u"CT0001"), movie->volume = -5,
+                                        movie->region = QvFRegion{{}, 1, 2, 300, 400};
+  movie->play_time.content_end = kEndNext, movie->play_time.timeout = kTimeoutContinue;
+  auto coloured = std::make_shared<QvFNone>();
+  coloured->has_background_color = true, coloured->background_color.a = 0;
+  playlist.contents = {movie, coloured, std::make_shared<QvFTelop>()};
+  // Every effect from 1 and every direction, one image each.
+  for (int value = 1; value <= 19; ++value) {
+    auto image = std::make_shared<QvFImage>();
+    image->type = value % 4, image->aspect = value % 3,
+    image->play_time.content_end = kEndStopBackgroundColor;
+    QvFImageEffect& effect = image->image_effect.emplace();
+    effect.type = value <= 18 ? value : 1, effect.direction = value == 19 ? 0 : value;
+    effect.via_backgroundcolor = value % 2 == 0, effect.t = value;
+    playlist.contents.push_back(image);
+  }
+  EXPECT_EQ(Item<QvFMovie>(Trip(playlist, true), 0).volume, -5);
+}
+
+// Empty references, values out of range and absent flags are not written; what comes back is the
+// plain default.
+TEST_P(XmlVocabularies, ValuesWrittenOnlyWhenTheyHoldSomething) {
+  QvFProgram program;
+  program.program_info.layout_lock.reset();
+  program.program_info.playlist_file.ref_playlist.assign(u"PL9999");  // never written
+  program.pane_info.panes.emplace_back().playlist_file.ref_playlist.assign(u"PL0001");
+  QvFPlaylistFile& odd = program.pane_info.panes.emplace_back().playlist_file;
+  odd.type = 7, odd.mute.reset();
+  EXPECT_EQ(Trip(program)->program_info.layout_lock, std::optional<bool>(false));
+  const std::string program_bytes = bytes_;
+  QvFPlaylist playlist;
+  auto image = std::make_shared<QvFImage>();
+  image->type = 4, image->aspect = 9;
+  image->image_effect.emplace().via_backgroundcolor.reset();
+  auto telop = std::make_shared<QvFTelop>();
+  telop->type = 1, telop->aspect = 3, telop->region = QvFRegion{{}, 5, 6, 7, 8};
+  telop->play_time.content_end = 99, telop->play_time.timeout = -1, telop->play_time.valid = true;
+  playlist.contents = {image, telop, nullptr};
+  EXPECT_FALSE(Item<QvFTelop>(Trip(playlist), 1).region.has_value());
+  if (debug_) return;
+  EXPECT_EQ(
+      program_bytes,
+      "<pgp><pgi pgt=\"05:06:07\"><re h=\"0\" w=\"0\" x=\"0\" y=\"0\"/><bc c=\"#000000\"/></pgi>"
+      "<pai><pa><re h=\"0\" w=\"0\" x=\"0\" y=\"0\"/><plf mt=\"f\" rl=\"PL0001\"/></pa>"
+      "<pa><re h=\"0\" w=\"0\" x=\"0\" y=\"0\"/><plf/></pa></pai></pgp>");
+  EXPECT_EQ(
+      bytes_,
+      "<pl><i><bc c=\"#000000\"/><pt ce=\"l\" t=\"05:06:07\" to=\"s\"/><ie d=\"no\" t=\"0\"/></i>"
+      "<t a=\"0\"><pt t=\"05:06:07\" v=\"t\"/></t></pl>");
+}
+
+INSTANTIATE_TEST_SUITE_P(Vocabularies, XmlVocabularies, testing::Bool(),
+                         [](const testing::TestParamInfo<bool>& info) {
+                           return info.param ? "Debug" : "Compact";
+                         });
+
+TEST_F(XmlDocuments, WrittenAttributesAndHandWrittenDocuments) {
+  // default and date are always written; an empty reference is not.
+  QvFSchedule schedule;
+  schedule.schedule_list.schedules.emplace_back();
+  Trip(schedule, true);
+  EXPECT_EQ(bytes_, "<qv><sl><s df=\"f\" dt=\"2031/07/04\"/></sl></qv>");
+  // Only the program of a row with both is written; a compact command's "ti"
+  // is the one attribute written with an empty value.
+  QvFTimeTable timetable;
+  QvFTable& both = timetable.table_list.tables.emplace_back();
+  both.program.emplace(), both.command.emplace();
+  timetable.table_list.tables.emplace_back().command.emplace().start_time.tm_hour = 1;
+  Trip(timetable, true);
+  EXPECT_EQ(bytes_,
+            "<tt><tl><tb><pg et=\"05:06:07\" st=\"05:06:07\"/></tb>"
+            "<tb><co st=\"01:06:07\" ti=\"\" tp=\"0\"/></tb></tl></tt>");
+
+  // Only element nodes count; the second list is not read; only "true" in any casing (or "t") is a
+  // true default.
+  QvFReadXml reader(false);
+  const auto entries =
+      reader
+          .readSchedule(Hand("<qv><!-- c -->\n  <sl><s df=\"t\" dt=\"2024/3/9\"/>"
+                             "<s df=\"TRUE\"/><s df=\"1\"/><x/><s/></sl><sl><s/></sl></qv>"))
+          .schedule_list.schedules;
+  ASSERT_EQ(entries.size(), 4u);
+  EXPECT_EQ(entries[0].date.tm_mon * 100 + entries[0].date.tm_mday, 209);
+  EXPECT_TRUE(entries[0].default_ && entries[1].default_ && !entries[2].default_);
+
+  // Two lists add up; within a table the last row of a kind stands, and a
+  // table may hold both kinds; unknown children and attributes pass.
+  const auto hand = reader.readTimeTable(Hand(
+      "<tt><tl><tb><pg rp=\"PG1\"/><pg rp=\"PG2\" st=\"7:5:1\"/><co tp=\"abc\" ti=\"x\"/><zz/></tb>"
+      "</tl><other/><tl><tb/><tb><co tp=\"12\"/><co st=\"10:11\"/></tb></tl></tt>"));
+  const auto& rows = hand->table_list.tables;
+  ASSERT_TRUE(rows.size() == 3 && rows[0].program && rows[0].command && rows[2].command);
+  // "abc" reads as 0; the second command replaced the first; "7:5:1" is read.
+  EXPECT_EQ(std::vector({rows[0].command->type, rows[2].command->type,
+                         rows[2].command->start_time.tm_min, rows[0].program->start_time.tm_min}),
+            std::vector({0, 0, 11, 5}));
+
+  // Programs and playlists in any order, with unknown words and bad colours.
+  const auto read = reader.readProgram(
+      Hand("<pgp><!-- panes first --><pai><x/><pa><plf tp=\"t\"><pa/></plf><re x=\"1\" y=\"2\"/>"
+           "<re x=\"5\"/></pa><pg><pa/></pg><pa><plf tp=\"contents\"/></pa></pai><pgi>"
+           "<plf tp=\"s\"/></pgi></pgp>"));
+  EXPECT_EQ(read->program_info.playlist_file.type, Int(kPaneSound));
+  // Nested panes and panes outside the list are no panes of the program; of two regions the last
+  // stands.
+  ASSERT_EQ(read->pane_info.panes.size(), 2u);
+  const QvFPane& first = read->pane_info.panes[0];
+  EXPECT_EQ(std::vector({first.playlist_file.type.value_or(-1), first.region.x, first.region.y}),
+            std::vector<int>({kPaneTelop, 5, 0}));
+  EXPECT_EQ(read->pane_info.panes[1].playlist_file.type, Int(0));  // an unknown word
+
+  // Kinds without a record are left out; debug words in a compact document
+  // are unknown (stop_last and stop); a telop's colour is passed over.
+  const QvFPlaylist playlist = reader.readPlaylist(
+      Hand("<pl><o><m/></o><c/><u><i/></u><a/><p><t/></p><cc><n/></cc><x/><m vo=\" 12x\">"
+           "<pt ce=\"next\" to=\"continue\"/></m><i tp=\"tiff\" a=\"7\"><ie tp=\"wipe\" "
+           "d=\"none\"/></i><t><bc c=\"not a colour\"/></t><pl><m/></pl></pl>"));
+  ASSERT_EQ(playlist.contents.size(), 3u);
+  const QvFMovie& bare = Item<QvFMovie>(playlist, 0);
+  EXPECT_EQ(std::vector({bare.volume, bare.play_time.content_end, bare.play_time.timeout}),
+            std::vector({12, 1, 0}));
+  const QvFImage& odd = Item<QvFImage>(playlist, 1);
+  EXPECT_EQ(std::vector({odd.type, odd.aspect, odd.image_effect->direction,
+                         odd.image_effect->type.value_or(-1)}),
+            std::vector<int>({4, 2, 0, kEffectNone}));
+
+  EXPECT_THROW(reader.readProgram(Hand("<pgp><pgi><bc c=\"102030\"/></pgi></pgp>")),
+               std::out_of_range);
+  EXPECT_THROW(reader.readPlaylist(Hand("<pl><n><bc c=\"0X112233\"/></n></pl>")),
+               std::out_of_range);
+  // A root of another name, or of the other vocabulary, gives an empty record.
+  EXPECT_TRUE(reader.readPlaylist(Hand("<pgp><m/></pgp>")).contents.empty());
+  EXPECT_TRUE(reader.readPlaylist(Hand("<playlist><movie/></playlist>")).contents.empty());
+}
+
+}  // namespace
+}  // namespace quorvane::qvformat::format::io::xml
