@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/folder_descriptors.h"
 #include "platform/system_path.h"
 #include "platform/text_codec.h"
 
@@ -51,22 +52,9 @@ Kind Settle(int folder, const std::string& name) {
 // The names in an open folder, "." and ".." left out, sorted by their bytes so
 // that the outcome does not hang on the order of the listing.
 bool ReadNames(int folder, std::vector<std::string>* names) {
-  const int copy = ::fcntl(folder, F_DUPFD_CLOEXEC, 0);
-  if (copy < 0) return false;
-  DIR* dir = ::fdopendir(copy);
-  if (dir == nullptr) {
-    ::close(copy);
-    return false;
-  }
-  // The copy shares its reading position with `folder`: start from the top.
-  ::rewinddir(dir);
-  errno = 0;
-  while (const dirent* entry = ::readdir(dir)) {
-    const std::string name = entry->d_name;
-    if (name != "." && name != "..") names->push_back(name);
-  }
-  const bool complete = errno == 0;
-  ::closedir(dir);
+  std::vector<FolderEntry> entries;
+  const bool complete = ListOpenFolder(folder, &entries);
+  for (FolderEntry& entry : entries) names->push_back(std::move(entry.name));
   std::sort(names->begin(), names->end());
   return complete;
 }
@@ -77,15 +65,7 @@ bool ReadNames(int folder, std::vector<std::string>* names) {
 // reached through a handle that reads nothing (the /proc name of that handle
 // is the folder itself).
 int OpenFolder(int parent, const std::string& name) {
-  int fd = ::openat(parent, name.c_str(), kFolderFlags);
-  if (fd < 0 && errno == EACCES) {
-    const int place =
-        ::openat(parent, name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-    if (place < 0) return -1;
-    ::chmod(("/proc/self/fd/" + std::to_string(place)).c_str(), S_IRWXU);
-    fd = ::openat(place, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    ::close(place);
-  }
+  const int fd = OpenSubfolder(parent, name);
   struct stat st;
   if (fd >= 0 && ::fstat(fd, &st) == 0 && (st.st_mode & S_IRWXU) != S_IRWXU) {
     ::fchmod(fd, (st.st_mode & 07777) | S_IRWXU);

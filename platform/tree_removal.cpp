@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/folder_descriptors.h"
 #include "platform/file_system.h"
 #include "platform/system_path.h"
 
@@ -21,55 +22,15 @@ constexpr std::size_t kOpenFolders = 16;
 
 constexpr int kFolderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
-struct Entry {
-  std::string name;
-  bool folder = false;  // listed as a folder; any other entry may still turn out to be one
-};
 
 // One folder on the way down.
 struct Level {
   int fd = -1;  // -1 while closed to spare descriptors
   dev_t device = 0;
   ino_t inode = 0;
-  std::vector<Entry> entries;
+  std::vector<FolderEntry> entries;
   std::size_t next = 0;  // entries before it are gone
 };
-
-// The entries of an open folder, "." and ".." left out.
-bool ReadEntries(int folder, std::vector<Entry>* entries) {
-  const int copy = ::fcntl(folder, F_DUPFD_CLOEXEC, 0);
-  if (copy < 0) return false;
-  DIR* dir = ::fdopendir(copy);
-  if (dir == nullptr) {
-    ::close(copy);
-    return false;
-  }
-  // The copy shares its reading position with `folder`: start from the top.
-  ::rewinddir(dir);
-  errno = 0;
-  while (const dirent* entry = ::readdir(dir)) {
-    const std::string name = entry->d_name;
-    if (name == "." || name == "..") continue;
-    entries->push_back({name, entry->d_type == DT_DIR});
-  }
-  const bool complete = errno == 0;
-  ::closedir(dir);
-  return complete;
-}
-
-// Opens the folder `name` in `parent`, never through a link.  A folder that
-// may not be read is first given its owner's rights through a handle that
-// reads nothing (the /proc name of that handle is the folder itself).
-int OpenFolder(int parent, const std::string& name) {
-  int fd = ::openat(parent, name.c_str(), kFolderFlags);
-  if (fd >= 0 || errno != EACCES) return fd;
-  const int place = ::openat(parent, name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-  if (place < 0) return -1;
-  ::chmod(("/proc/self/fd/" + std::to_string(place)).c_str(), S_IRWXU);
-  fd = ::openat(place, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  ::close(place);
-  return fd;
-}
 
 // The removal of what one open folder holds, one level at a time.
 class Walk {
@@ -93,7 +54,7 @@ class Walk {
         if (!Leave()) return false;
         continue;
       }
-      const Entry& entry = level.entries[level.next];
+      const FolderEntry& entry = level.entries[level.next];
       const char* name = entry.name.c_str();
       if (!entry.folder) {
         if (::unlinkat(level.fd, name, 0) == 0 || errno == ENOENT) {
@@ -102,7 +63,7 @@ class Walk {
         }
         if (errno != EISDIR) return false;
       }
-      const int child = OpenFolder(level.fd, entry.name);
+      const int child = OpenSubfolder(level.fd, entry.name);
       if (child < 0) {
         // Gone meanwhile, or no longer a folder (a link to one included):
         // removed as the entry it is.
@@ -128,7 +89,7 @@ class Walk {
     level.device = st.st_dev;
     level.inode = st.st_ino;
     if ((st.st_mode & S_IRWXU) != S_IRWXU) ::fchmod(fd, (st.st_mode & 07777) | S_IRWXU);
-    if (!ReadEntries(fd, &level.entries)) return false;
+    if (!ListOpenFolder(fd, &level.entries)) return false;
     if (levels_.size() > kOpenFolders) {
       Level& far = levels_[levels_.size() - 1 - kOpenFolders];
       if (far.fd >= 0) ::close(std::exchange(far.fd, -1));
@@ -165,7 +126,7 @@ class Walk {
 bool EmptyFolder(int folder) { return Walk().Run(folder); }
 
 bool RemoveTreeAt(int parent, const std::string& name) {
-  const int folder = OpenFolder(parent, name);
+  const int folder = OpenSubfolder(parent, name);
   if (folder < 0) return false;
   const bool emptied = EmptyFolder(folder);
   ::close(folder);
