@@ -1,7 +1,6 @@
 #include "platform/atomic_file.h"
 
 #include <fcntl.h>
-#include <sys/sendfile.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -28,38 +27,6 @@ int OpenRetry(const char* path, int flags, mode_t mode = 0) {
   return fd;
 }
 
-bool WriteAll(int fd, const char* data, std::size_t size) {
-  while (size > 0) {
-    const ssize_t n = ::write(fd, data, size);
-    if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) return false;
-    data += n;
-    size -= static_cast<std::size_t>(n);
-  }
-  return true;
-}
-
-// Copies everything from `in` to `out`, up to the end of the input as it is
-// found, not as it was when the copy began.
-bool CopyAll(int in, int out) {
-  for (;;) {
-    const ssize_t n = ::sendfile(out, in, nullptr, 1 << 30);
-    if (n > 0) continue;
-    if (n == 0) return true;
-    if (errno == EINTR) continue;
-    if (errno == EINVAL || errno == ENOSYS) break;  // no kernel copy here: by hand
-    return false;
-  }
-  char buffer[65536];
-  for (;;) {
-    const ssize_t n = ::read(in, buffer, sizeof buffer);
-    if (n < 0 && errno == EINTR) continue;
-    if (n < 0) return false;
-    if (n == 0) return true;
-    if (!WriteAll(out, buffer, static_cast<std::size_t>(n))) return false;
-  }
-}
-
 bool SyncDescriptor(int fd) {
   int rc;
   do {
@@ -68,12 +35,6 @@ bool SyncDescriptor(int fd) {
   // A file that cannot be flushed (a pipe, some special file systems) is
   // still whole once written.
   return rc == 0 || errno == EINVAL || errno == EROFS;
-}
-
-mode_t CurrentUmask() {
-  const mode_t mask = ::umask(0);
-  ::umask(mask);
-  return mask;
 }
 
 }  // namespace
@@ -95,42 +56,16 @@ std::u16string PartialPathOf(std::u16string_view destination) {
   return std::u16string(folder) + u"." + Utf16FromUtf8(hex) + kPartialSuffix;
 }
 
-bool CopyFileWhole(std::u16string_view source_path, std::u16string_view destination_path) {
-  // Both found as the other file calls find them: in any case, and the
-  // destination in the folder (and with the name) that is there already.
-  const std::u16string source = PathAsFound(source_path);
+bool CopyFileWhole(std::u16string_view source, std::u16string_view destination_path) {
+  // The destination as the other file calls find it: in the folder, and with
+  // the name, that is there already in another case.
   const std::u16string destination = PathAsFound(destination_path);
-  const SystemPath from(source);
-  // A pipe or a device must neither block the copy nor feed it without end.
-  const int in = OpenRetry(from.c_str(), O_RDONLY | O_NONBLOCK);
-  if (in < 0) return false;
-  struct stat st;
-  if (::fstat(in, &st) != 0 || !S_ISREG(st.st_mode)) {
-    ::close(in);
-    return false;
-  }
-  const std::u16string partial_text = PartialPathOf(destination);
-  const SystemPath partial(partial_text);
-  // A temporary that is a link is never written through: it is replaced.
-  int out = -1;
-  for (int attempt = 0; attempt < 2 && out < 0; ++attempt) {
-    out = OpenRetry(partial.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW, 0666);
-    if (out < 0 && !(errno == ELOOP && ::unlink(partial.c_str()) == 0)) break;
-  }
-  if (out < 0) {
-    ::close(in);
-    return false;
-  }
-  bool ok = CopyAll(in, out);
-  // As the system's file copy does: the source's last-write time, and its
-  // read-only flag.
-  const struct timespec times[2] = {{0, UTIME_OMIT}, st.st_mtim};
-  ::futimens(out, times);
-  if ((st.st_mode & S_IWUSR) == 0) ::fchmod(out, 0444 & ~CurrentUmask());
-  ::close(in);
-  if (::close(out) != 0) ok = false;
-  if (ok) ok = ::rename(partial.c_str(), SystemPath(destination).c_str()) == 0;
-  if (!ok) ::unlink(partial.c_str());
+  const std::u16string partial = PartialPathOf(destination);
+  // A stale temporary (a killed run's, or a link put there) is replaced, never
+  // written through.
+  ::unlink(SystemPath(partial).c_str());
+  const bool ok = CopyFile(source, partial) && RenameOver(partial, destination);
+  if (!ok) ::unlink(SystemPath(partial).c_str());
   return ok;
 }
 
