@@ -62,8 +62,9 @@ void PackFolderWhole(const std::u16string& folder, const std::u16string& archive
   // temporary of an archive that it was adding to.
   platform::RemoveFile(partial);
   platform::RemoveFile(partial + u".tmp");
-  // The tool adds to an archive that is there already: it works on a copy.
-  if (platform::PathExists(zip)) platform::CopyFile(zip, partial);
+  // The tool adds to an archive that is there already: it works on a copy
+  // (of nothing, where there is none).
+  platform::CopyFile(zip, partial);
 
   run_log::Step("pack", folder, partial);
   int status = -1;
