@@ -102,8 +102,10 @@ TEST_F(RunLog, EachFailureCodeNamesWhatDecidedIt) {
                                          "PATH=" + scratch_.Sub("no_tools")};
   EXPECT_EQ(ExitLine(Logged({kSample, "-package" + zip_}, Status(-401), no_tool)),
             "exit -401: cannot pack (the archive tool did not start) into " + Quoted(zip_));
+  WriteFile(back + "/keep.txt", "keep");
   EXPECT_EQ(ExitLine(Logged({zip_, "-unpackage" + back}, Status(-402), no_tool)),
             "exit -402: cannot unpack (the archive tool did not start): " + Quoted(zip_));
+  EXPECT_EQ(ListDir(back), std::vector<std::string>{"keep.txt"}) << "the destination is kept";
 }
 
 // A whole account: start, steps, delivery, exit; a second run appends to it.
