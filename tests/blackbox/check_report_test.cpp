@@ -73,7 +73,6 @@ TEST_F(CheckReport, ProgramAgainstTheDisplayRegion) {
       {0, 0, 0, 0, 1920, 1080, "(0,0,1920,1080)", ""},
       {0, 0, 0, 0, 1920, 1080, "(0,0,1280,720)", "program PG0501 E  \nprogram PG1301 W  \n"},
       {0, 0, 0, 0, 1080, 1920, "0,0,1920,1080", ""},  // a turned display fits
-      {0, 0, 100, 100, 800, 600, "(100,100,800,600)", "program PG0701 E  \n"},
       {100, 100, 100, 100, 800, 600, "(100,100,800,600)", ""},
   };
   p_.Playlist("Program_1", 1, {MovieItem("a.mp4")});

@@ -190,7 +190,6 @@ TEST_F(HandPackage, SevenPanesKeepTheFirstFive) {
 
 TEST_F(HandPackage, MissingOrBrokenDocumentIs300AndDeliversNothing) {
   const std::pair<const char*, std::function<void()>> cases[] = {
-      {"missing time table", [&] { RemoveAll(src_ + "/QvFormat/QvT/TM1.xml"); }},
       {"missing playlist", [&] { RemoveAll(src_ + "/QvFormat/QvP/PG1/PL1.xml"); }},
       {"broken program", [&] { Doc("QvP/PG1/PG1.xml", "<pgp><pai></pgp>"); }},
   };
