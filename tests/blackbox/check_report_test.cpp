@@ -126,15 +126,6 @@ TEST_F(CheckProgram, CleanProgramAndItsTelopSevenLevelsUp) {
   EXPECT_TRUE(WorkFolders(temp_).empty());
 }
 
-TEST_F(CheckProgram, LayoutFindingsCarryTheirPaneLine) {
-  Build({Pane{1, 0, 0, 960, 1080}, Pane{2, 960, 0, 960, 1080}, Pane{8, 0, 0, 100, 100}},
-        {MovieItem("a.mp4")});
-  deep_p_.Playlist("Program_1", 2, {ImageItem("b.png")});
-  EXPECT_EQ(CheckDeep(2, {0, 1}),
-            "program PG0903 E 2 : Not support multiple frames layout. Please modify layout.\n"
-            "program PG0909 E 8 : PIP is not supported. Please modify layout.\n");
-}
-
 TEST_F(CheckProgram, ContentFindingsCarryPaneAndFile) {
   Item transparent = ImageItem("b.png"), moved = MovieItem("a.mp4"), attached = MovieItem("a.mp4");
   Item wmv = MovieItem("clip.wmv"), url = MovieItem("x"), telop = TelopItem("t.tlp");
