@@ -93,8 +93,6 @@ TEST_F(ConversionTimeTable, OutcomeOfEachKindOfProject) {
        Status(-102), false, 1, "exit -102: cannot understand \"P\\TimeTable_a.csv\""},
       {"no program file", true, remove("Program_ads/program.csv"), Status(-101), false, 1,
        "exit -101: cannot open \"P\\Program_ads\\program.csv\""},
-      {"no contents file", true, remove("ニュース番組/information/contents_1_002.csv"),
-       Status(-101), false, 1},
       {"no playlist of a pane in use", true, remove("ニュース番組/playlist_5.csv"), Status(-101),
        false, 1},
       {"a content path without a point", true,
