@@ -186,10 +186,7 @@ TEST(FullDiskDeathTest, XmlDocumentsThatDoNotFitEndAsUnknownFailure) {
   qvtest::ScratchDir scratch;
   const std::string temp = scratch.Sub("temp"), zip = scratch.Sub("out.zip");
   qvtest::MakeDirs(temp);
-  ArgumentTable table;
-  table.slots[0] = u"qvConvApp";
-  table.slots[1] = qvtest::U16(std::string(QV_SOURCE_DIR) + "/examples/sample");
-  table.slots[2] = qvtest::U16("-package" + zip);
+  const ArgumentTable table = Table(std::string(QV_SOURCE_DIR) + "/examples/sample -package" + zip);
   auto run_on_disk_of = [&](std::size_t room) {
     SmallDisk disk(room, temp + "/");
     Dispatch(ParseCommandLine(table));

@@ -73,7 +73,6 @@ TEST_F(CheckReport, ProgramAgainstTheDisplayRegion) {
       {0, 0, 0, 0, 1920, 1080, "(0,0,1920,1080)", ""},
       {0, 0, 0, 0, 1920, 1080, "(0,0,1280,720)", "program PG0501 E  \nprogram PG1301 W  \n"},
       {0, 0, 0, 0, 1080, 1920, "0,0,1920,1080", ""},  // a turned display fits
-      {0, 0, 100, 100, 800, 600, "(100,100,800,600)", "program PG0701 E  \n"},
       {100, 100, 100, 100, 800, 600, "(100,100,800,600)", ""},
   };
   p_.Playlist("Program_1", 1, {MovieItem("a.mp4")});
@@ -125,15 +124,6 @@ TEST_F(CheckProgram, CleanProgramAndItsTelopSevenLevelsUp) {
   RemoveAll(scratch_.Sub("contents/t.tlp"));
   EXPECT_EQ(CheckDeep(0), "");
   EXPECT_TRUE(WorkFolders(temp_).empty());
-}
-
-TEST_F(CheckProgram, LayoutFindingsCarryTheirPaneLine) {
-  Build({Pane{1, 0, 0, 960, 1080}, Pane{2, 960, 0, 960, 1080}, Pane{8, 0, 0, 100, 100}},
-        {MovieItem("a.mp4")});
-  deep_p_.Playlist("Program_1", 2, {ImageItem("b.png")});
-  EXPECT_EQ(CheckDeep(2, {0, 1}),
-            "program PG0903 E 2 : Not support multiple frames layout. Please modify layout.\n"
-            "program PG0909 E 8 : PIP is not supported. Please modify layout.\n");
 }
 
 TEST_F(CheckProgram, ContentFindingsCarryPaneAndFile) {

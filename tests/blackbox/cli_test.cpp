@@ -31,9 +31,6 @@ TEST_F(Cli, RefusedCommandLinesAre255AndTouchNothing) {
       {project_},  // no output
       {project_, "-package"},
       {project_, "other", "-packagex.zip"},
-      {project_, "-checkb.xml", "-packagea.zip"},
-      {project_, "-packagea.zip", "-td(1,2,3,4,5)"},
-      {project_, "-packagea.zip", "-"},
       {project_, "-param" + scratch_.Sub("ok.xml")},  // a valid file is no output
       {zip_, "-unpackage" + dest_, "-td1,2,3"},       // before the archive is opened
       {"", zip_, "-unpackage" + dest_},               // nothing left: no input

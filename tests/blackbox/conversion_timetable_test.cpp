@@ -40,28 +40,6 @@ TEST_F(ConversionTimeTable, ScheduleAndTimeTableDocuments) {
             "tt i=TM2\n tl n=夜\n  tb\n   co st=22:00:00 ti=VIDEO1 tp=2\n");
 }
 
-TEST_F(ConversionTimeTable, NamesFlagsNumberingAndOverlongLines) {
-  // The file named first gets TM1 although it sorts last; the default
-  // column is true in any case of the word and only then; escapes are read.
-  p_.Schedule({ScheduleEntry("2035/03/01", "zz.csv", "TRUE"),
-               ScheduleEntry("2035/03/02", "aa.csv", "1"),
-               {"2035/03/03", "zz.csv"}},
-              "Schedule.csv", "a,b\\c", "1");
-  // A line of 1024 bytes or more ends the read of its file, quietly.
-  p_.File("zz.csv", Cp932("ZZ\r\n0xD4F0FF\r\n06:00:00,,1,,1,first\r\n") + "07:00:00,,1,,1," +
-                        std::string(2000, 'x') + "\r\n08:00:00,,1,,1,third\r\n");
-  p_.TimeTable("aa.csv", "AA", {CommandLine("02:00:00", "1", "")});
-  ASSERT_EQ(Package().status, 0);
-  EXPECT_EQ(Outline(Doc("QvS.xml")) + Outline(Doc("QvT/TM1.xml")) + Outline(Doc("QvT/TM2.xml")),
-            "qv ver=1.0\n"
-            " sl ad=t n=a,b\\c\n"
-            "  s df=t dt=2035/03/01 rt=TM1\n"
-            "  s df=f dt=2035/03/02 rt=TM2\n"
-            "  s df=f dt=2035/03/03 rt=TM1\n"
-            "tt i=TM1\n tl n=ZZ\n  tb\n   co st=06:00:00 ti=first tp=1\n"
-            "tt i=TM2\n tl n=AA\n  tb\n   co st=02:00:00 ti= tp=1\n");
-}
-
 TEST_F(ConversionTimeTable, OutcomeOfEachKindOfProject) {
   using Edit = std::function<void(ProjectBuilder&)>;
   auto remove = [](const std::string& path) {
@@ -113,11 +91,8 @@ TEST_F(ConversionTimeTable, OutcomeOfEachKindOfProject) {
          p.File("TimeTable_a.csv", "M\r\n0xD4F0FF\r\n06:00:00,a\\b,1,,1,\r\n");
        },
        Status(-102), false, 1, "exit -102: cannot understand \"P\\TimeTable_a.csv\""},
-      {"no program folder", true, remove("Program_ads"), Status(-101), false, 1},
       {"no program file", true, remove("Program_ads/program.csv"), Status(-101), false, 1,
        "exit -101: cannot open \"P\\Program_ads\\program.csv\""},
-      {"no contents file", true, remove("ニュース番組/information/contents_1_002.csv"),
-       Status(-101), false, 1},
       {"no playlist of a pane in use", true, remove("ニュース番組/playlist_5.csv"), Status(-101),
        false, 1},
       {"a content path without a point", true,

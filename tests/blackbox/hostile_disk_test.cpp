@@ -1,7 +1,7 @@
 // A real small disk, where the archive tool writes too: nothing written there crashes a run.  Each
 // run gets a mount namespace of its own in which one folder is a fresh tmpfs of a few KiB; where
 // none can be made, the test is skipped.  (The program's own writes to a full disk are tested
-// through the Env, tests/app/full_disk_test.cpp.)
+// through the Env, tests/app/run_options_test.cpp.)
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -11,15 +11,12 @@
 namespace qvtest {
 namespace {
 
-constexpr int kTinyKib = 16;
-constexpr int kRoomyKib = 1024;
-
 class HostileDisk : public BlackBoxTest {
  protected:
   void SetUp() override {
     MakeDirs(disk_);
     // An empty command line is refused (255) only where the tmpfs could be made.
-    if (OnSmallDisk(kTinyKib, {}).status != Status(-1))
+    if (OnSmallDisk(16, {}).status != Status(-1))
       GTEST_SKIP() << "no mount namespace with a tmpfs here";
   }
 
@@ -58,7 +55,7 @@ TEST_F(HostileDisk, WayBackOnDisksOfEverySize) {
   }
   qvtest::Run({"rm", "-rf", back});
   MakeDirs(back);
-  const RunResult r = OnSmallDisk(kRoomyKib, {zip_, "-unpackage" + back}, RunEnv(disk_));
+  const RunResult r = OnSmallDisk(1024, {zip_, "-unpackage" + back}, RunEnv(disk_));
   ASSERT_EQ(r.status, 0) << r.output;
   EXPECT_EQ(Unstamped(back), Unstamped(reference));
 }

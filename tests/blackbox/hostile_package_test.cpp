@@ -83,8 +83,8 @@ TEST_F(HostilePackage, LocalFilesNamedThroughEntitiesAreNeverRead) {
   WriteFile(dtd, std::string("<!ENTITY leak \"") + kSecret + "\">");
   const std::string entity = "<!DOCTYPE qv [<!ENTITY leak SYSTEM \"file://" + file + "\">]>";
   // An external entity reads as empty in text and is not well formed in an attribute.  A named DTD
-  // is never read: a document using nothing of it converts; an entity only the DTD defines reads as
-  // nothing.
+  // or parameter entity is never read: a document using nothing of it converts; an entity only the
+  // DTD defines reads as nothing.
   const struct {
     std::string doc, body;
     int code;
@@ -93,6 +93,8 @@ TEST_F(HostilePackage, LocalFilesNamedThroughEntitiesAreNeverRead) {
       {"QvS.xml", entity + Schedule("&leak;"), -300},
       {"QvT/TM1.xml", "<!DOCTYPE tt SYSTEM \"file://" + dtd + "\">" + Table(), 0},
       {"QvS.xml", "<!DOCTYPE qv SYSTEM \"file://" + dtd + "\">" + Schedule("S", "&leak;"), 0},
+      {"QvS.xml",
+       "<!DOCTYPE qv [<!ENTITY % p SYSTEM \"" + dtd + "\"> %p;]>" + Schedule("S", "&leak;"), 0},
   };
   for (const auto& c : cases) {
     Scenario();
@@ -138,10 +140,8 @@ TEST_F(HostilePackage, IdentifiersThatArePathsAreMissingDocuments) {
     std::string table, program, playlist, planted;
   } cases[] = {
       {"../TM1", "PG1", "PL1", "TM1.xml"},
-      {"sub/TM1", "PG1", "PL1", "QvT/sub/TM1.xml"},
       {"sub\\TM1", "PG1", "PL1", "QvT/sub/TM1.xml"},
       {"TM1", "PG1/PG1", "PL1", "QvP/PG1/PG1/PG1/PG1.xml"},
-      {"TM1", "..", "PL1", "...xml"},
       {"TM1", "PG1", "../PG1/PL1", "QvP/PG1/PL1.xml"},
   };
   for (const auto& c : cases) {

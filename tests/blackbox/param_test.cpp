@@ -88,8 +88,6 @@ TEST_F(ParameterRuns, FailuresOfTheTreeAndOfTheFile) {
   const std::string debug = Parameters("x-qvf", "x-qvf-debug"), zip = dir_.Sub("x.zip");
   // Without its trailing separator the tree's schedule is not found.
   EXPECT_EQ(Qv(dir_.Sub("p") + "/QvFormat", debug, zip), Status(-300));
-  EXPECT_EQ(Qv(dir_.Sub("missing") + "/", debug, zip), Status(-300));
-  EXPECT_EQ(Qv(dir_.Sub("p"), Parameters("x-qvf", "x-qvf-debug "), zip), Status(-201));
   EXPECT_EQ(RunQv({dir_.Sub("p"), "-package" + zip, "-param" + dir_.Sub("none.xml")}).status,
             Status(-300));
   EXPECT_FALSE(Exists(zip));

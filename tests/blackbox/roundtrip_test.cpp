@@ -97,8 +97,7 @@ TEST_F(RoundTrip, SecondPackageHoldsTheSameDocuments) {
   b.title = "Program B", b.panes = {Pane{1, 0, 0, 1080, 1920}};
   Item movie = MovieItem("clip.mp4", "00:01:00"), slide = ImageItem("slide.jpg", "65800", "750");
   movie.volume = "35", movie.color = "0x112233",
-  slide.aspect = "3";     // slide: turn page, upwards, through the background
-  movie.end_code = "11";  // the two numberings of the end code meet only here
+  slide.aspect = "3";  // slide: turn page, upwards, through the background
   p_.Program("Program_a", a);
   p_.Playlist("Program_a", 1, {movie, slide, BlankItem("8"), ImageItem("logo.png")});
   p_.Program("Program_b", b);
@@ -190,7 +189,6 @@ TEST_F(HandPackage, SevenPanesKeepTheFirstFive) {
 
 TEST_F(HandPackage, MissingOrBrokenDocumentIs300AndDeliversNothing) {
   const std::pair<const char*, std::function<void()>> cases[] = {
-      {"missing time table", [&] { RemoveAll(src_ + "/QvFormat/QvT/TM1.xml"); }},
       {"missing playlist", [&] { RemoveAll(src_ + "/QvFormat/QvP/PG1/PL1.xml"); }},
       {"broken program", [&] { Doc("QvP/PG1/PG1.xml", "<pgp><pai></pgp>"); }},
   };

@@ -25,6 +25,11 @@ class WindowsProjects : public BlackBoxTest {
   void Rename(const std::string& from, const std::string& to) {
     fs::rename(p_.Path(from), p_.Path(to));
   }
+  // Replaces the first `from` in the bytes of a project file.
+  void Edit(const std::string& file, const std::string& from, const std::string& to) {
+    std::string bytes = ReadFile(p_.Path(file));
+    WriteFile(p_.Path(file), bytes.replace(bytes.find(from), from.size(), to));
+  }
   int unzipped_ = 0;
 };
 
@@ -54,24 +59,17 @@ TEST_F(WindowsProjects, RenamedOrPaddedNamesConvertWhole) {
        }},
       {"names in cells padded with a blank or a dot",
        [&] {
-         p_.Schedule({ScheduleEntry("2035/01/01", "平日.csv", "true"),
-                      ScheduleEntry("2035/01/02", "TimeTable_weekend.csv "),
-                      ScheduleEntry("2035/01/03", "平日.csv")},
-                     "Schedule.csv", "サンプル スケジュール");
-         p_.TimeTable("平日.csv", "平日の番組表",
-                      {ProgramLine("09:00:00", "12:00:00", "ニュース番組"),
-                       ProgramLine("12:00:00", "18:00:00", "Program_ads."),
-                       CommandLine("18:00:00", "3", "HDMI1")});
-         p_.TimeTable("TimeTable_weekend.csv", "Weekend",
-                      {ProgramLine("10:00:00", "20:00:00", "Program_ads.")});
-         p_.File("Program_ads/playlist_1.csv", CsvBytes({{"information\\contents_1_001.csv  "},
-                                                         {"information\\contents_1_002.csv."}}));
+         Edit("Schedule.csv", "TimeTable_weekend.csv", "TimeTable_weekend.csv ");
+         Edit("平日.csv", "Program_ads", "Program_ads.");
+         Edit("TimeTable_weekend.csv", "Program_ads", "Program_ads.");
+         Edit("Program_ads/playlist_1.csv", "_001.csv", "_001.csv  ");
+         Edit("Program_ads/playlist_1.csv", "_002.csv", "_002.csv.");
        }},
       {"a step through a folder that is not there",
        [&] {
-         p_.File("Program_ads/playlist_1.csv",
-                 CsvBytes({{"information\\old\\..\\contents_1_001.csv"},
-                           {"information/./contents_1_002.csv"}}));
+         Edit("Program_ads/playlist_1.csv", "contents_1_001", "old\\\\..\\\\contents_1_001");
+         Edit("Program_ads/playlist_1.csv", "information\\\\contents_1_002",
+              "information/./contents_1_002");
        }},
       {"the project folder named in another case", [] {}, "PROJECT"},
   };

@@ -168,16 +168,13 @@ TEST(CsvNames, IndexKeysPlaylistsAndWrittenNames) {
 
   // The writer numbers file and folder names at their first use, with its stamp.
   QvFWriteCsv writer(u"20240102_030405");
-  EXPECT_EQ(writer.scheduleFileName(), u"Schedule_20240102_030405_001.csv");
   // Numbers follow the first use, not the identifier.
   for (const char16_t* id : {u"TM7", u"TM7", u"TM2", u"x"}) writer.timetableFileName(id);
   EXPECT_EQ(writer.timetableFileName(u"TM1"), u"TimeTable_20240102_030405_004.csv");
   EXPECT_EQ(writer.timetableFileName(u"TM7"), u"TimeTable_20240102_030405_001.csv");
-  EXPECT_EQ(writer.programFolderName(u"PG9"), u"Program_20240102_030405_001");
-  for (int i = 2; i <= 1000; ++i) writer.programFolderName(u"PG-" + f::FormatInt(i));
+  for (int i = 1; i <= 1000; ++i) writer.programFolderName(u"PG-" + f::FormatInt(i));
   EXPECT_EQ(writer.programFolderName(u"PG-1000"), u"Program_20240102_030405_1000");
 
-  EXPECT_EQ(QvFWriteCsv::contentsFileName(5, 12), u"information\\contents_5_012.csv");
   EXPECT_EQ(QvFWriteCsv::imageFileName(u"CT2", 3), u"CT2.bmp");
   EXPECT_EQ(QvFWriteCsv::imageFileName(u"CT2", 4), u"CT2.jpg");
 

@@ -226,7 +226,7 @@ TEST(ModelRecords, DefaultsAndKinds) {
   EXPECT_EQ(command.start_time.tm_hour, 23);
   EXPECT_GE(QvFPlayTime().time.tm_year, 100);
 
-  // An identifier's kind comes from its prefix, an item's from its record.
+  // An identifier's kind comes from its prefix.
   EXPECT_EQ(QvFId(u"TM12").kind, kIdTimeTable);
   EXPECT_EQ(QvFId(u"").kind, kIdProgram);
   EXPECT_EQ(QvFId(u"tm1").kind, kIdProgram);  // exact case
@@ -237,10 +237,6 @@ TEST(ModelRecords, DefaultsAndKinds) {
   id = u"other";
   EXPECT_EQ(id.text, u"other");
   EXPECT_EQ(id.kind, kIdContent);
-
-  const QvFMovie movie;
-  EXPECT_EQ(AsMovie(&movie), &movie);
-  EXPECT_EQ(AsImage(&movie), nullptr);
 }
 
 }  // namespace
