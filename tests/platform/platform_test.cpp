@@ -95,17 +95,13 @@ TEST(FileSystem, WholeFilesAndPrefixesOfAnySize) {
 // Start and exit status; the standard output is read while the program runs, also when it is
 // more than a pipe holds; the other streams stay silent; a program that cannot start gives nothing.
 TEST(Process, ReportsStartExitAndTheStandardOutput) {
-  EXPECT_TRUE(RunProcess({u"true"}).started);
-  EXPECT_FALSE(RunProcess({}).started);
   std::string out = "old";
   const ProcessResult r = RunProcess({u"sh", u"-c", u"printf 'a\\nb'; echo err >&2; exit 4"}, out);
   EXPECT_TRUE(r.started);
   EXPECT_EQ(r.exit_status, 4);
   EXPECT_EQ(out, "a\nb");
-  EXPECT_EQ(RunProcess({u"sh", u"-c", u"exit 3"}).exit_status, 3);
   EXPECT_TRUE(RunProcess({u"head", u"-c", u"300000", u"/dev/zero"}, out).started);
   EXPECT_EQ(out, std::string(300000, '\0'));
-  EXPECT_FALSE(RunProcess({u"no-such-program-qv"}).started);
   EXPECT_FALSE(RunProcess({u"no-such-program-qv"}, out).started);
   EXPECT_EQ(out, "");
   EXPECT_FALSE(RunProcess({}, out).started);

@@ -15,22 +15,6 @@ namespace {
 using namespace quorvane::qvconv::converter;
 using qvtest::U16;
 
-// DeleteTree is the platform's tree removal (pinned in tests/platform/tree_removal_test.cpp):
-// here only that it is that one, read-only parts gone and no link followed, top or inside.
-TEST(DeleteTree, RemovesReadOnlyPartsButFollowsNoLink) {
-  qvtest::ScratchDir scratch;
-  const std::string top = scratch.Sub("top"), outside = scratch.Sub("outside");
-  qvtest::WriteFile(outside + "/keep.txt", "keep");
-  qvtest::WriteFile(top + "/sub/.b", "b");
-  ::chmod((top + "/sub").c_str(), 0555);
-  ASSERT_EQ(::symlink(outside.c_str(), (top + "/sub/to_folder").c_str()), 0);
-  EXPECT_TRUE(DeleteTree(U16(top)));
-  EXPECT_FALSE(DeleteTree(U16(top)));  // no longer there
-  ASSERT_EQ(::symlink(outside.c_str(), top.c_str()), 0);
-  EXPECT_FALSE(DeleteTree(U16(top)));
-  EXPECT_EQ(qvtest::ListDir(outside), std::vector<std::string>{"keep.txt"});
-}
-
 TEST(CopyTree, FileOverwritesFolderNeedsAnExistingDestination) {
   qvtest::ScratchDir scratch;
   const std::string src = scratch.Sub("src");
@@ -95,23 +79,6 @@ TEST(MoveTree, BringsWhatACopyBringsAndMovesWhatIsNew) {
   MoveTree(U16(scratch.Sub("two.bin")), U16(dst + "/one.bin"));
   EXPECT_EQ(qvtest::ReadFile(dst + "/ONE.BIN"), "two");
   EXPECT_FALSE(qvtest::Exists(dst + "/one.bin"));
-}
-
-// What a listing on Windows gives: plain files, in NTFS order, as "<folder>\<name>"; no name that
-// Windows could not hold (the stream a copy of a download leaves beside a file).
-TEST(ListFiles, PlainFilesOnlyWithFullPathsInNtfsOrder) {
-  qvtest::ScratchDir scratch;
-  const std::string dir = scratch.Sub("dir");
-  for (const char* name :
-       {"b.csv", "A.csv", ".hidden.csv", "sub/inner.csv", "ro.csv", "b.csv:Zone.Identifier", "c. "})
-    qvtest::WriteFile(dir + "/" + name, "");
-  ::chmod((dir + "/ro.csv").c_str(), 0444);
-  ASSERT_EQ(::symlink((dir + "/sub").c_str(), (dir + "/link_to_folder").c_str()), 0);
-
-  std::vector<std::string> paths;
-  for (const auto& path : ListFiles(U16(dir))) paths.push_back(qvtest::U8(path));
-  EXPECT_EQ(paths, (std::vector<std::string>{dir + "\\A.csv", dir + "\\b.csv", dir + "\\ro.csv"}));
-  EXPECT_TRUE(ListFiles(U16(scratch.Sub("missing"))).empty());
 }
 
 }  // namespace
