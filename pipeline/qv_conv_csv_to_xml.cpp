@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -15,6 +16,7 @@
 #include "pipeline/pipeline_steps.h"
 #include "pipeline/telop_copy.h"
 #include "platform/file_system.h"
+#include "platform/folders_ahead.h"
 #include "workspace/file_tree.h"
 #include "workspace/project_path.h"
 #include "workspace/run_log.h"
@@ -178,13 +180,26 @@ void QvConvCsvToXml::ConvertPrograms(Reader& reader, Writer& writer, const std::
   Guarded(codes::kFinishedDespiteFailure, [&] {
     const std::vector<std::u16string> folders = reader.index().programFolders();
     MakeFolder(format + u"/QvP", ExistingFolder::kFails);
-    for (const std::u16string& f : folders) {
+    std::vector<std::u16string> ids;
+    ids.reserve(folders.size());
+    for (const std::u16string& f : folders) ids.push_back(reader.index().programId(f));
+    // A check-only run writes nothing into the program folders but makes them
+    // all the same; it makes them beside the reading, and each one still
+    // counts where it would have been made.
+    std::optional<platform::FoldersAhead> ahead;
+    if (check_only) ahead.emplace(format + u"/QvP", ids);
+    for (std::size_t i = 0; i < folders.size(); ++i) {
       pane_override = -1;
-      const std::u16string folder = JoinPath(input, f);
+      const std::u16string folder = JoinPath(input, folders[i]);
       const std::u16string csv = JoinPath(folder, u"program.csv");
-      const std::u16string id = reader.index().programId(f);
+      const std::u16string& id = ids[i];
       const std::u16string target = format + u"/QvP/" + id;
-      MakeFolder(target, ExistingFolder::kIsFine);
+      if (ahead) {
+        run_log::Attempt("make folder", target);
+        if (!ahead->Wait(i)) ThrowCode(codes::kCannotCreate);
+      } else {
+        MakeFolder(target, ExistingFolder::kIsFine);
+      }
       run_log::Step("check", csv);
       checkFile(checker::ChProgram, csv);
       run_log::Step("read", csv);

@@ -62,6 +62,10 @@ class Walk {
           continue;
         }
         if (errno != EISDIR) return false;
+      } else if (::unlinkat(level.fd, name, AT_REMOVEDIR) == 0 || errno == ENOENT) {
+        // An empty folder goes at once, without being opened and listed.
+        ++level.next;
+        continue;
       }
       const int child = OpenSubfolder(level.fd, entry.name);
       if (child < 0) {

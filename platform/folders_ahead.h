@@ -1,0 +1,62 @@
+// FoldersAhead: the folders of a list, made inside one parent folder in the
+// order of the list, on a thread of its own, while the caller goes on.
+//
+// A run that only checks a project still makes a folder for every program of
+// it, and on a busy disk making a folder costs more than reading the files
+// that go in it.  This lets those folders be made beside the reading.
+//
+// The caller asks for each folder in turn (Wait), at the point where it would
+// otherwise have made that folder itself, so that whatever it does when one
+// cannot be made happens exactly where it would have happened.  The thread
+// stops at the first folder it cannot make: none behind that one is made.  A
+// folder that is there already counts as made.  Folders made ahead that the
+// caller never asks for stay; they belong to the caller's work tree.
+//
+// The names are single names that Windows can hold, made with the parent
+// open, which is a folder the caller has just made itself: they are not
+// looked up without regard to case, and the rest of the file system layer
+// does not learn of them.
+#ifndef QV_PLATFORM_FOLDERS_AHEAD_H_
+#define QV_PLATFORM_FOLDERS_AHEAD_H_
+
+#include <atomic>
+#include <condition_variable>
+#include <cstddef>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+namespace quorvane::platform {
+
+class FoldersAhead {
+ public:
+  // Starts making `names` inside `parent`.  A parent that cannot be opened
+  // fails the first folder.
+  FoldersAhead(std::u16string_view parent, const std::vector<std::u16string>& names);
+  // Stops the thread after the folder it is making, and waits for it.
+  ~FoldersAhead();
+  FoldersAhead(const FoldersAhead&) = delete;
+  FoldersAhead& operator=(const FoldersAhead&) = delete;
+
+  // Blocks until the folder `index` of the list is made or could not be:
+  // true when it is there.  False for an index beyond the list.
+  bool Wait(std::size_t index);
+
+ private:
+  void Run();
+
+  int parent_ = -1;
+  std::vector<std::string> names_;  // UTF-8; empty where Windows could not hold the name
+  std::mutex mutex_;
+  std::condition_variable settled_;
+  std::size_t made_ = 0;  // folders of the list made so far, in order
+  bool stopped_ = false;  // the thread has ended
+  std::atomic<bool> quit_{false};
+  std::thread thread_;
+};
+
+}  // namespace quorvane::platform
+
+#endif  // QV_PLATFORM_FOLDERS_AHEAD_H_
