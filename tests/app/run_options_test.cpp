@@ -2,13 +2,9 @@
 // refuses; unknown kinds in the dispatch; a full disk while a conversion writes its XML documents,
 // on a disk that the test fills through the Env: the run ends as an unknown failure and delivers
 // nothing; with room the same run packs the sample.
-#include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <stdexcept>
-#include <string>
 #include <type_traits>
-#include <vector>
 
 #include "app/run/parameter_file.h"
 #include "app/run/run_control.h"

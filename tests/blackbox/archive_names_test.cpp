@@ -4,11 +4,6 @@
 // -unpackage empties the folder whatever names it holds.
 #include <sys/stat.h>
 
-#include <functional>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "tests/blackbox/project_builder.h"
 
 namespace qvtest {

@@ -1,6 +1,5 @@
 // Whole runs of `qvConvApp <project> -check<report>` (and -td<region>): exit codes 0, 1 and 2, and
 // the report.
-#include <algorithm>
 
 #include "tests/blackbox/project_builder.h"
 

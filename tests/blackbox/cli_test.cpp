@@ -1,7 +1,7 @@
-// The command line at the process boundary: every refusal is status 255 (-1) and touches nothing;
-// values may be quoted, options come in any order, and an empty argument ends the line.
-#include <string>
-#include <vector>
+// The command line at the process boundary: every refusal is status 255 (-1), prints nothing and
+// touches nothing; values may be quoted, options come in any order, and an empty argument ends the
+// line.  A plain archive opened with -unpackage replaces what the destination held; what is no
+// archive leaves no destination.
 
 #include "tests/blackbox/project_builder.h"
 
@@ -17,7 +17,7 @@ class Cli : public BlackBoxTest {
   }
   int Qv(const std::vector<std::string>& args) {
     const RunResult result = RunQv(args, RunEnv(temp_));
-    EXPECT_EQ(result.output, "");  // nothing is printed
+    EXPECT_EQ(result.output, "");
     return result.status;
   }
 
@@ -36,19 +36,19 @@ TEST_F(Cli, RefusedCommandLinesAre255AndTouchNothing) {
       {"", zip_, "-unpackage" + dest_},               // nothing left: no input
       {zip_, "-unpackage''", "-check''"},             // a check run has no destination
   };
-  for (const auto& args : refused) {
-    std::string line;
-    for (const auto& a : args) line += " [" + a + "]";
-    EXPECT_EQ(Qv(args), 255) << line;
-  }
+  for (const auto& args : refused) EXPECT_EQ(Qv(args), 255) << testing::PrintToString(args);
   EXPECT_TRUE(ListDir(temp_).empty());
   EXPECT_TRUE(ListDir(project_).empty());
   EXPECT_EQ(ListDir(dest_), std::vector<std::string>{"keep.txt"});
 }
 
 TEST_F(Cli, AcceptedFormsOfTheCommandLine) {
-  auto opened = [&] { return ReadFile(dest_ + "/dir/a.txt") == "a" && (RemoveAll(dest_), true); };
-  // Any four region fields, quotes, free order.
+  WriteFile(dest_ + "/old/stale.txt", "stale");
+  auto opened = [&] {
+    return ListDir(dest_) == std::vector<std::string>{"dir/"} &&
+           ReadFile(dest_ + "/dir/a.txt") == "a" && (RemoveAll(dest_), true);
+  };
+  // Any four region fields, quotes, free order; a destination that is not there is made.
   EXPECT_EQ(Qv({"-tdx,y,z,w", "-unpackage'" + dest_ + " \"", zip_}), 0);
   EXPECT_TRUE(opened());
   EXPECT_EQ(Qv({zip_, "-unpackage" + dest_, "", "-unknown", "second"}), 0);
@@ -61,6 +61,13 @@ TEST_F(Cli, AcceptedFormsOfTheCommandLine) {
   args.push_back("-unpackage" + dest_);
   EXPECT_EQ(Qv(args), 255);
   EXPECT_FALSE(Exists(dest_));
+
+  // What is no archive, or is missing, leaves no destination.
+  for (const std::string& not_zip : {scratch_.Sub("ok.xml"), scratch_.Sub("missing.zip")}) {
+    WriteFile(dest_ + "/old.txt", "old");
+    EXPECT_EQ(Qv({not_zip, "-unpackage" + dest_}), 0) << not_zip;
+    EXPECT_FALSE(Exists(dest_)) << not_zip;
+  }
 }
 
 }  // namespace

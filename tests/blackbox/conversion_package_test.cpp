@@ -1,6 +1,5 @@
 // Whole runs of `qvConvApp <project> -package<zip>` on complete projects: the
 // package's members, each document parsed back, content and telop bytes.
-#include <algorithm>
 #include <iterator>
 #include <sstream>
 

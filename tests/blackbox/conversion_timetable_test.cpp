@@ -1,8 +1,6 @@
 // Whole runs of `qvConvApp <project> -package<zip>`: schedules and time tables in the package, and
 // the outcome of each kind of project: exit status, package delivered or not, work folder removed
 // or left.
-#include <algorithm>
-#include <functional>
 
 #include "tests/blackbox/project_builder.h"
 

@@ -2,9 +2,6 @@
 // run gets a mount namespace of its own in which one folder is a fresh tmpfs of a few KiB; where
 // none can be made, the test is skipped.  (The program's own writes to a full disk are tested
 // through the Env, tests/app/run_options_test.cpp.)
-#include <algorithm>
-#include <string>
-#include <vector>
 
 #include "tests/blackbox/project_builder.h"
 

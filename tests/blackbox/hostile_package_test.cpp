@@ -2,10 +2,6 @@
 // attributes, identifiers that are paths, climbing zip entries.  Each ends with its code, fast,
 // writing nowhere else.
 #include <chrono>
-#include <cstdint>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "tests/blackbox/project_builder.h"
 

@@ -1,11 +1,7 @@
 // Paths that strain the program: folders deeper than the old 260-character limit and than the
 // system's 4,096, Japanese names everywhere, and a report that cannot be written.
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
-
-#include <string>
-#include <vector>
 
 #include "tests/blackbox/project_builder.h"
 
@@ -33,61 +29,54 @@ class HostilePaths : public BlackBoxTest {};
 
 // Each run in long or Japanese paths gives what the sample gives in short folders.
 TEST_F(HostilePaths, JapaneseNamesAndPathsBeyond260And4096Characters) {
-  const std::string reference_zip = scratch_.Sub("reference.zip"),
-                    reference = scratch_.Sub("reference");
-  ASSERT_EQ(RunQv({kSample, "-package" + reference_zip}, RunEnv(temp_)).status, 0);
-  MakeDirs(reference);
-  ASSERT_EQ(Unpackage(reference_zip, reference).status, 0);
-  const std::vector<std::string> members = ZipMembers(reference_zip),
-                                 project = Unstamped(reference);
-
+  ASSERT_EQ(Package(kSample).status, 0);
+  ASSERT_EQ(UnpackageTo(zip_, scratch_.Sub("reference")).status, 0);
+  const std::vector<std::string> members = ZipMembers(zip_),
+                                 project = Unstamped(scratch_.Sub("reference"));
+  // Packs `input` into `zip` and opens that into `back`, with the temporary folder `temp`.
+  auto there_and_back = [&](const std::string& input, const std::string& zip,
+                            const std::string& back, const std::string& temp) {
+    RunResult r = RunQv({input, "-package" + zip}, RunEnv(temp));
+    EXPECT_EQ(r.status, 0) << r.output;
+    EXPECT_EQ(ZipMembers(zip), members) << zip;
+    r = RunQv({zip, "-unpackage" + back}, RunEnv(temp));
+    EXPECT_EQ(r.status, 0) << r.output;
+  };
   std::string deep = scratch_.Sub("案件");
   for (int i = 0; deep.size() < 900; ++i)
     deep += "/春のキャンペーン用の長いフォルダ名_" + std::to_string(i);
-  const std::string zip = deep + "/パッケージ.zip", back = deep + "/戻り先",
-                    zip2 = scratch_.Sub("二つ目.zip");
-  MakeDirs(back);
-  ASSERT_EQ(qvtest::Run({"cp", "-r", kSample, deep + "/サンプル"}).status, 0);
-  RunResult r = RunQv({deep + "/サンプル", "-package" + zip}, RunEnv(temp_));
-  ASSERT_EQ(r.status, 0) << r.output;
-  EXPECT_EQ(ZipMembers(zip), members);
-  r = Unpackage(zip, back);
-  ASSERT_EQ(r.status, 0) << r.output;
-  EXPECT_EQ(Unstamped(back), project);
+  MakeDirs(deep + "/戻り先");
+  ASSERT_EQ(Run({"cp", "-r", kSample, deep + "/サンプル"}).status, 0);
+  there_and_back(deep + "/サンプル", deep + "/パッケージ.zip", deep + "/戻り先", temp_);
+  EXPECT_EQ(Unstamped(deep + "/戻り先"), project);
   // The same with the temporary folder itself deep and Japanese.
-  r = RunQv({deep + "/サンプル", "-package" + zip2}, RunEnv(deep + "/一時"));
-  ASSERT_EQ(r.status, 0) << r.output;
-  EXPECT_EQ(ZipMembers(zip2), members);
+  MakeDirs(scratch_.Sub("二つ目"));
+  there_and_back(deep + "/サンプル", scratch_.Sub("二つ目.zip"), scratch_.Sub("二つ目"),
+                 deep + "/一時");
+  EXPECT_EQ(Unstamped(scratch_.Sub("二つ目")), project);
 
   // A project and a destination whose full paths are longer than the 4,096 bytes one system call
-  // takes.
+  // takes, reached here through our open descriptor: no long path on the way.
   std::string deeper = scratch_.path();
   const int folder = MakeDeepFolder(deeper, 4200);
   ASSERT_GE(folder, 0);
   ASSERT_GT(deeper.size(), 4096u);
-  // The deep folder reached through our open descriptor: no long path on the way.
   const std::string via = "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(folder);
-  ASSERT_EQ(qvtest::Run({"cp", "-r", kSample, via + "/sample"}).status, 0);
+  ASSERT_EQ(Run({"cp", "-r", kSample, via + "/sample"}).status, 0);
   MakeDirs(via + "/back");
-  r = RunQv({deeper + "/sample", "-package" + zip_}, RunEnv(temp_));
-  ASSERT_EQ(r.status, 0) << r.output;
-  EXPECT_EQ(ZipMembers(zip_), members);
-  r = Unpackage(zip_, deeper + "/back");
-  ASSERT_EQ(r.status, 0) << r.output;
-  const std::string copy = scratch_.Sub("copy");
-  ASSERT_EQ(qvtest::Run({"cp", "-r", via + "/back", copy}).status, 0);
-  EXPECT_EQ(Unstamped(copy), project);
+  there_and_back(deeper + "/sample", scratch_.Sub("deep.zip"), deeper + "/back", temp_);
+  ASSERT_EQ(Run({"cp", "-r", via + "/back", scratch_.Sub("copy")}).status, 0);
+  EXPECT_EQ(Unstamped(scratch_.Sub("copy")), project);
   close(folder);
 }
 
-// A report that cannot be made or written fails in the XML library's own file
-// layer, which no step turns into a code: unknown failure.
+// A report that cannot be made or written fails in the XML library's own file layer, which no step
+// turns into a code: unknown failure.
 TEST_F(HostilePaths, ReportThatCannotBeWrittenIsUnknownFailure) {
   BuildTimeTableProject(p_);
   p_.Schedule({ScheduleEntry(DateFromToday(-1), "TimeTable_a.csv")});  // one warning
   for (const std::string& report : {std::string("/dev/full"), scratch_.Sub("missing/report.xml")}) {
-    MakeDirs(temp_);
-    RunResult r = RunQv({project_, "-check" + report}, RunEnv(temp_));
+    const RunResult r = RunQv({project_, "-check" + report}, RunEnv(temp_));
     EXPECT_EQ(r.status, Status(-999)) << report << r.output;
     EXPECT_EQ(r.output, "");
   }

@@ -1,9 +1,7 @@
 // Several qvConvApp processes started at once in one temporary folder: conversions, checks and
 // openings of different packages.  They take turns on its fixed folders; each must give exactly
 // what it gives alone.
-#include <string>
 #include <thread>
-#include <vector>
 
 #include "tests/blackbox/project_builder.h"
 

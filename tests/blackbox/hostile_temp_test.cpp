@@ -6,10 +6,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <string>
-#include <vector>
-
 #include "tests/blackbox/project_builder.h"
 
 namespace qvtest {

@@ -1,6 +1,5 @@
 // Runs through a conversion parameter file: every cell of the dispatch table that the command line
 // cannot reach.
-#include <string>
 
 #include "tests/blackbox/project_builder.h"
 
@@ -20,16 +19,13 @@ std::string Parameters(const std::string& in, const std::string& out,
 class ParameterRuns : public ::testing::Test {
  protected:
   // The bundled sample converted once, and its package opened as the tree "p".
-  void SetUp() override {
-    ASSERT_EQ(RunQv({kSample, "-package" + dir_.Sub("p.zip")}).status, 0);
-    Unzip(dir_.Sub("p.zip"), dir_.Sub("p"));
-  }
+  void SetUp() override { ASSERT_EQ(Rewrite(kSample, "", "p"), 0); }
 
-  // Runs on `input` with -package`output` and the parameters written to a file of their own.
+  // Runs on `input` with -package`output` and, unless empty, the parameters in a file of their own.
   int Qv(const std::string& input, const std::string& params, const std::string& output) {
     const std::string file = dir_.Sub("param" + std::to_string(++files_) + ".xml");
-    WriteFile(file, params);
-    return RunQv({input, "-package" + output, "-param" + file}).status;
+    if (!params.empty()) WriteFile(file, params);
+    return RunQv({input, "-package" + output, params.empty() ? "" : "-param" + file}).status;
   }
   // The same into <to>.zip, opened in the folder `to`.
   int Rewrite(const std::string& input, const std::string& params, const std::string& to) {
@@ -64,11 +60,10 @@ TEST_F(ParameterRuns, CompactToDebugAndBackGivesTheDocumentsItStartedFrom) {
   EXPECT_NE(Doc("d", "QvT/TM1.xml").find("<timetable"), std::string::npos);
 }
 
-// Without a package (archive="no") the output is copied: documents into the QvFormat folder
-// the caller made, a project into its folder; the input stays where it is.
+// Without a package (archive="no") the output is copied: documents into the QvFormat folder the
+// caller made (no top folder is made), a project into its folder; the input stays where it is.
 TEST_F(ParameterRuns, UnpackedOutputIsCopiedBothWays) {
   const std::string params = Parameters("x-quorvane", "x-qvf", "archive=\"no\"");
-  // The copy makes no top folder: the caller makes it, as for every copy.
   ASSERT_EQ(Qv(kSample, params, dir_.Sub("out") + "/"), 0);
   EXPECT_FALSE(Exists(dir_.Sub("out")));
   MakeDirs(dir_.Sub("out/QvFormat"));
@@ -77,17 +72,16 @@ TEST_F(ParameterRuns, UnpackedOutputIsCopiedBothWays) {
   EXPECT_TRUE(IsDir(kSample));
 
   MakeDirs(dir_.Sub("project"));
-  ASSERT_EQ(
-      Qv(dir_.Sub("p"), Parameters("x-qvf", "x-quorvane", "archive=\"no\""), dir_.Sub("project")),
-      0);
+  const std::string to_project = Parameters("x-qvf", "x-quorvane", "archive=\"no\"");
+  ASSERT_EQ(Qv(dir_.Sub("p"), to_project, dir_.Sub("project")), 0);
   EXPECT_FALSE(ListDir(dir_.Sub("project")).empty());
   EXPECT_TRUE(Exists(dir_.Sub("p/QvFormat/QvS.xml")));
 }
 
 TEST_F(ParameterRuns, FailuresOfTheTreeAndOfTheFile) {
-  const std::string debug = Parameters("x-qvf", "x-qvf-debug"), zip = dir_.Sub("x.zip");
+  const std::string zip = dir_.Sub("x.zip");
   // Without its trailing separator the tree's schedule is not found.
-  EXPECT_EQ(Qv(dir_.Sub("p") + "/QvFormat", debug, zip), Status(-300));
+  EXPECT_EQ(Qv(dir_.Sub("p") + "/QvFormat", Parameters("x-qvf", "x-qvf-debug"), zip), Status(-300));
   EXPECT_EQ(RunQv({dir_.Sub("p"), "-package" + zip, "-param" + dir_.Sub("none.xml")}).status,
             Status(-300));
   EXPECT_FALSE(Exists(zip));

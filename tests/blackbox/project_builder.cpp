@@ -5,12 +5,9 @@
 #include <xercesc/sax/HandlerBase.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 
-#include <algorithm>
 #include <cstdio>
-#include <filesystem>
 
 namespace qvtest {
-namespace fs = std::filesystem;
 using namespace xercesc;
 
 std::string CsvBytes(const Rows& rows) {
@@ -180,23 +177,6 @@ XmlNode ParseXml(const std::string& path) {
 
 void Unzip(const std::string& zip, const std::string& folder) {
   ASSERT_EQ(Run({"7za", "x", "-y", zip, "-o" + folder}).status, 0) << zip;
-}
-
-std::vector<std::string> FilesBelow(const std::string& folder) {
-  std::vector<std::string> out;
-  std::error_code ec;
-  for (auto it = fs::recursive_directory_iterator(folder, ec);
-       !ec && it != fs::recursive_directory_iterator(); it.increment(ec))
-    if (it->is_regular_file()) out.push_back(fs::relative(it->path(), folder).string());
-  std::sort(out.begin(), out.end());
-  return out;
-}
-
-std::vector<std::string> Contents(const std::string& folder) {
-  std::vector<std::string> out;
-  for (const std::string& file : FilesBelow(folder))
-    out.push_back(file + "=" + ReadFile(folder + "/" + file));
-  return out;
 }
 
 std::string ExitLine(const std::string& log) {

@@ -1,12 +1,9 @@
-// Building CSV projects for the black-box tests as an authoring tool writes them (code page 932,
-// CR LF, "\\" and "\," escapes), and reading back what the program made: XML, zip files, CSV.
+// CSV projects for the black-box tests as an authoring tool writes them (code page 932, CR LF,
+// "\\" and "\," escapes), and reading back what the program made: XML, zip files, CSV.
 #ifndef QV_TESTS_BLACKBOX_PROJECT_BUILDER_H_
 #define QV_TESTS_BLACKBOX_PROJECT_BUILDER_H_
 
 #include <map>
-#include <string>
-#include <string_view>
-#include <vector>
 
 #include "tests/support/test_support.h"
 
@@ -29,8 +26,8 @@ inline Row CommandLine(Cell start, Cell type, Cell input) {
   return {start, "", "1", "", type, input};
 }
 
-// One playlist item: line 1 of its contents file ("..\\contents\\a.mp4", empty for a blank),
-// line 2 (19 columns, values that pass the check), further lines.
+// A playlist item: line 1 of its contents file ("..\\contents\\a.mp4", empty for a blank), line 2
+// (19 columns that pass the check), further lines.
 struct Item {
   std::string path_cell = {}, kind = "1", time = "00:00:10";
   std::string color = "0x000000";  // empty: transparent, refused by the check
@@ -47,9 +44,9 @@ inline Item ImageItem(Cell file, Cell effect = "0", Cell effect_time = "0") {
 inline Item TelopItem(Cell file) { return MovieItem(file, "00:00:20"); }
 inline Item BlankItem(Cell kind = "8") { return {.kind = kind, .time = "00:00:03"}; }
 
-struct Pane {
+struct Pane {  // a pane in use
   int number = 1, x = 0, y = 0, width = 1920, height = 1080;
-};  // a pane in use
+};
 struct ProgramShape {
   std::string title = "Program";
   int x = 0, y = 0, width = 1920, height = 1080;
@@ -57,7 +54,7 @@ struct ProgramShape {
   std::vector<Pane> panes;  // the other pane lines are off
 };
 
-// A telop file in UTF-8: a header line, the parameter line (font size, mode), the text lines.
+// A telop file in UTF-8: a header line, the parameters (font size, mode), the text lines.
 std::string TelopText(int font_size, int mode, const std::vector<std::string>& lines);
 
 class ProjectBuilder {
@@ -90,9 +87,9 @@ class ProjectBuilder {
 };
 
 // A project that the check passes, shaped like the bundled sample. The conversion numbers 平日.csv
-// TM1, TimeTable_weekend.csv TM2; Program_ads PG1, ニュース番組 PG2 (frame: オープニング.mp4 CT3,
-// ロゴ.png CT1, photo.jpeg CT4 with a wipe; telop pane 5: お知らせ.tlp CT5 in code page 932);
-// Program_ads plays ロゴ.png and a blank (CT2).
+// TM1, TimeTable_weekend.csv TM2; Program_ads PG1 (ロゴ.png CT1 and a blank, CT2), ニュース番組
+// PG2 (frame: オープニング.mp4 CT3, ロゴ.png, photo.jpeg CT4 with a wipe; telop pane 5:
+// お知らせ.tlp CT5 in code page 932).
 void BuildCleanProject(ProjectBuilder& p);
 inline constexpr char kMovieBytes[] = "movie: not really an mp4";
 std::string CleanTelopUtf8();
@@ -118,12 +115,9 @@ struct XmlNode {
 std::string Outline(const XmlNode& node, int depth = 0);
 XmlNode ParseXml(const std::string& path);  // a test failure and an empty node on error
 void Unzip(const std::string& zip, const std::string& folder);
-std::vector<std::string> FilesBelow(const std::string& folder);  // plain files, relative, sorted
-// Every file below `folder` as "path=bytes", sorted.
-std::vector<std::string> Contents(const std::string& folder);
 // The files below a folder with the stamps of their names as "S", sorted: two runs compare.
 std::vector<std::string> Unstamped(const std::string& folder);
-// The work folders a run left in <temp>/QvConv; the environment of a run: TMPDIR and locale.
+// The work folders runs left in <temp>/QvConv; the environment of a run: TMPDIR and locale.
 inline std::vector<std::string> WorkFolders(const std::string& temp) {
   return IsDir(temp + "/QvConv") ? ListDir(temp + "/QvConv") : std::vector<std::string>{};
 }
@@ -146,6 +140,10 @@ class BlackBoxTest : public ::testing::Test {
   RunResult Check(const std::string& input = "") { return RunOn(input, "-check" + report_); }
   RunResult Unpackage(const std::string& zip, const std::string& to) {
     return RunOn(zip, "-unpackage" + to);
+  }
+  // The same into a destination made first, as callers do.
+  RunResult UnpackageTo(const std::string& zip, const std::string& to) {
+    return MakeDirs(to), Unpackage(zip, to);
   }
   std::string Extracted();  // zip_ extracted (once): the path of its QvFormat folder
   XmlNode Doc(const std::string& relative) { return ParseXml(Extracted() + "/" + relative); }

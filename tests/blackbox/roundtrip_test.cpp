@@ -1,6 +1,5 @@
 // The way back: a package opened with -unpackage comes back as a CSV project, and a
 // project survives the way there and back but for its two documented losses.
-#include <functional>
 
 #include "tests/blackbox/project_builder.h"
 

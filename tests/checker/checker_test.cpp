@@ -1,12 +1,8 @@
 // The checker: the message catalogue and the check table; a checker with a begun report, files
 // written into a scratch folder and the Results read back, over layouts, contents, telops,
 // schedules, time tables and programs, and unreadable files.
-#include <gtest/gtest.h>
 
-#include <cstdint>
-#include <string>
 #include <tuple>
-#include <vector>
 
 #include "base/qv_conv_exception.h"
 #include "checker/qv_ch_message.h"

@@ -1,15 +1,6 @@
-// The byte syntax of project CSV files: splitting, escapes, line ends, the line limit, code page
-// 932 both ways, and the failure codes. Scenario files as the reader takes and the writer writes
-// them: schedules and time tables;
-// programs, playlists and contents (pane roles, item kinds, packed effects, placeholders, bad
-// lines); numbering of identifiers by the reader's index and of file and folder names by the
-// writer.
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-#include <vector>
-
+// Project CSV files: the byte syntax (splitting, escapes, line ends, the line limit, code page 932
+// both ways, failure codes); schedules, time tables, programs, playlists and contents as the
+// reader takes and the writer writes them; numbering of identifiers, file and folder names.
 #include "csv/qv_csv_file.h"
 #include "csv/qvf_csv_index.h"
 #include "csv/qvf_read_csv.h"
@@ -22,21 +13,15 @@ namespace quorvane::qvconv::io::csv {
 namespace {
 
 namespace f = quorvane::qvformat::format;
-using qvtest::CodeOf;
-using qvtest::Cp932;
-using qvtest::U16;
-using qvtest::U8;
-using Keys = std::vector<std::u16string>;
+using qvtest::CodeOf, qvtest::Cp932, qvtest::ReadFile, qvtest::U16, qvtest::U8, qvtest::WriteFile;
 
 // The rows of `bytes` as UTF-8, fields ended by '|', rows by ';'.
 std::string Rows(std::string_view bytes) {
   QvCsvFile file;
   file.ReadBytes(bytes);
   std::string text;
-  for (std::size_t i = 0; i < file.RowCount(); ++i) {
-    for (const std::u16string& field : file.GetRow(i)) text += qvtest::U8(field) + "|";
-    text += ";";
-  }
+  for (std::size_t i = 0; i < file.RowCount(); ++i, text += ";")
+    for (const std::u16string& field : file.GetRow(i)) text += U8(field) + "|";
   return text;
 }
 
@@ -55,10 +40,8 @@ TEST(CsvFileSyntax, SplitsEscapesLineEndsAndTheLineLimit) {
       {std::string("ab\0c,d\nnext", 11), "ab|;next|;"},  // a NUL ends the line
       {"a\r\nb\r\n\x1a", "a|;b|;"},                      // an end-of-file mark ends the text
       {"a\x1a,b\nc", "a|;"},
-      // 表 and ソ end in the byte 0x5C, the code of a backslash: no escape.
-      {Cp932("表示,ソフト\\,名"), "表示|ソフト,名|;"},
-      // A line of 1024 bytes or more ends the read silently; the limit counts bytes of code page
-      // 932.
+      {Cp932("表示,ソフト\\,名"), "表示|ソフト,名|;"},  // 表, ソ end in 0x5C: no escape
+      // A line of 1024 bytes (of code page 932) or more ends the read silently.
       {at_limit + "\r\nz\n", at_limit + "|;z|;"},
       {"first\n" + std::string(1024, 'y') + "\nthird\n", "first|;"},
       {kana, ""},
@@ -68,8 +51,7 @@ TEST(CsvFileSyntax, SplitsEscapesLineEndsAndTheLineLimit) {
 
   QvCsvFile file;
   file.ReadBytes("a,b");
-  EXPECT_TRUE(file.GetRow(4).empty());
-  EXPECT_TRUE(file.GetFirstField(99).empty());
+  EXPECT_TRUE(file.GetRow(4).empty() && file.GetFirstField(99).empty());
   // A bad escape anywhere fails the whole read and keeps no rows.
   QvCsvFile fresh;
   EXPECT_EQ(CodeOf([&] { fresh.ReadBytes("ok\nbad\\x\n"); }), -102);
@@ -82,13 +64,12 @@ TEST(CsvFileWrite, ExactBytesRoundTripAndFailures) {
   out.AddRow({U16("表,示"), u"", u"a\\b"});
   out.AddRow({});
   out.AddRow(tricky);
-  EXPECT_EQ(out.WriteBytes(), Cp932("表\\,示,,a\\\\b\r\n\r\n"
-                                    "a\\\\,\\\\\\,,\\,,,x\\\\\\\\y,予定表ソ,\\\\\r\n"));
+  EXPECT_EQ(out.WriteBytes(),
+            Cp932("表\\,示,,a\\\\b\r\n\r\na\\\\,\\\\\\,,\\,,,x\\\\\\\\y,予定表ソ,\\\\\r\n"));
   qvtest::ScratchDir dir;
-  const std::u16string path = U16(dir.Sub("テスト.csv"));
-  out.WriteFile(path);
+  out.WriteFile(U16(dir.Sub("テスト.csv")));
   QvCsvFile in;
-  in.ReadFile(path);
+  in.ReadFile(U16(dir.Sub("テスト.csv")));
   ASSERT_EQ(in.RowCount(), 3u);
   EXPECT_EQ(in.GetRow(1), QvCsvFile::Row{u""});  // a row without fields comes back with one
   EXPECT_EQ(in.GetRow(2), tricky);
@@ -98,86 +79,79 @@ TEST(CsvFileWrite, ExactBytesRoundTripAndFailures) {
   EXPECT_EQ(CodeOf([&] { out.WriteFile(U16(dir.Sub("no/such/folder.csv"))); }), -3);
   // A file that cannot be made is -3; one that a full disk cuts short counts as written, since the
   // stream's failures are not looked at.
-  {
-    qvtest::ReadOnlyDisk disk;
-    EXPECT_EQ(CodeOf([&] { out.WriteFile(U16(dir.Sub("a.csv"))); }), -3);
-  }
+  std::optional<qvtest::ReadOnlyDisk> read_only(std::in_place);
+  EXPECT_EQ(CodeOf([&] { out.WriteFile(U16(dir.Sub("a.csv"))); }), -3);
+  read_only.reset();
   EXPECT_FALSE(qvtest::Exists(dir.Sub("a.csv")));
   qvtest::FullDisk disk(2);
   EXPECT_EQ(CodeOf([&] { out.WriteFile(U16(dir.Sub("b.csv"))); }), 0);
   EXPECT_TRUE(disk.full());
-  EXPECT_EQ(qvtest::ReadFile(dir.Sub("b.csv")), "");
+  EXPECT_EQ(ReadFile(dir.Sub("b.csv")), "");
 }
 
 // While reads are shared, the bytes of the last file read serve the next read of the same path
 // once; another path, a failed read or the end of the sharing lets the file be read again.
 TEST(CsvFileRead, SharedReadsServeTheNextReadOfTheSamePathOnce) {
   qvtest::ScratchDir dir;
-  const std::u16string a = U16(dir.Sub("a.csv")), b = U16(dir.Sub("b.csv"));
-  qvtest::WriteFile(dir.Sub("a.csv"), "1\r\n");
-  qvtest::WriteFile(dir.Sub("b.csv"), "b\r\n");
-  const auto first = [](const std::u16string& path) {
+  const std::string a = dir.Sub("a.csv");
+  WriteFile(dir.Sub("b.csv"), "b\r\n");
+  // Writes `now` into a.csv first ("-": removes it, "": neither); the first field of `path`.
+  const auto read = [&](const char* now, const std::string& path) {
+    if (*now) *now == '-' ? qvtest::RemoveAll(a) : WriteFile(a, now + std::string("\r\n"));
     QvCsvFile file;
-    file.ReadFile(path);
-    return file.GetFirstField(0);
+    return U8(CodeOf([&] { file.ReadFile(U16(path)); }) ? u"!" : file.GetFirstField(0));
   };
+  std::string seen;
   {
     QvCsvFile::SharedReads shared;
-    EXPECT_EQ(first(a), u"1");
-    qvtest::WriteFile(dir.Sub("a.csv"), "2\r\n");
-    EXPECT_EQ(first(a), u"1");  // the checker's bytes, taken by the reader
-    EXPECT_EQ(first(a), u"2");  // served once only
-    qvtest::WriteFile(dir.Sub("a.csv"), "3\r\n");
-    EXPECT_EQ(first(b), u"b");  // another file in between
-    EXPECT_EQ(first(a), u"3");
-    qvtest::RemoveAll(dir.Sub("a.csv"));
-    EXPECT_EQ(first(a), u"3");  // the same two reads, the file gone in between
-    EXPECT_EQ(CodeOf([&] { first(a); }), -101);
-    qvtest::WriteFile(dir.Sub("a.csv"), "4\r\n");
-    EXPECT_EQ(first(a), u"4");
-    qvtest::WriteFile(dir.Sub("a.csv"), "5\r\n");
+    // The checker's bytes are taken by the reader, once; another file may come in between, and
+    // the file may go between two reads.
+    for (const auto& [now, path] :
+         std::vector<std::pair<const char*, std::string>>{{"1", a},
+                                                          {"2", a},
+                                                          {"", a},
+                                                          {"3", dir.Sub("b.csv")},
+                                                          {"", a},
+                                                          {"-", a},
+                                                          {"", a},
+                                                          {"4", a}})
+      seen += read(now, path);
+    WriteFile(a, "5\r\n");
   }
-  EXPECT_EQ(first(a), u"5");  // nothing kept once the sharing has ended
-  qvtest::WriteFile(dir.Sub("a.csv"), "6\r\n");
-  EXPECT_EQ(first(a), u"6");
+  seen += read("", a);  // nothing is kept once the sharing has ended
+  EXPECT_EQ(seen + read("6", a), "112b33!456");
 }
 
 // The add form numbers new keys, the plain form enters an empty one.
 TEST(CsvNames, IndexKeysPlaylistsAndWrittenNames) {
   QvFCsvIndex index;
-  EXPECT_EQ(index.addTimetableId(u"b.csv"), u"TM1");
-  EXPECT_EQ(index.addTimetableId(u"a.csv"), u"TM2");
-  EXPECT_EQ(index.addTimetableId(u"b.csv"), u"TM1");
+  EXPECT_EQ(index.addTimetableId(u"b.csv") + index.addTimetableId(u"a.csv") +
+                index.addTimetableId(u"b.csv"),
+            u"TM1TM2TM1");
   EXPECT_EQ(index.addProgramId(u"P"), u"PG1");  // each map counts for itself
   EXPECT_EQ(index.programId(u"unknown"), u"");
   EXPECT_EQ(index.addProgramId(u"Q"), u"PG3");  // the plain form made the map larger
-
   // Keys in 16-bit code units: a surrogate pair sorts before U+FF21.
   for (std::u16string key : {u"\uFF21", u"\U0001F600", u"A", u""}) index.addTimetableId(key);
   EXPECT_EQ(index.timetableFiles(),
-            (Keys{u"", u"A", u"a.csv", u"b.csv", u"\U0001F600", u"\uFF21"}));
-
+            (std::vector<std::u16string>{u"", u"A", u"a.csv", u"b.csv", u"\U0001F600", u"\uFF21"}));
   // Each program entry numbers its own playlists.
   EXPECT_EQ(index.findProgramEntry(u"PG1"), nullptr);
   QvFCsvProgramEntry& first = index.programEntry(u"PG1");
   first.addPlaylistId(u"playlist_1.csv");
   EXPECT_EQ(first.addPlaylistId(u"playlist_2.csv"), u"PL2");
   EXPECT_EQ(index.programEntry(u"PG2").addPlaylistId(u"playlist_2.csv"), u"PL1");
-  EXPECT_EQ(&index.programEntry(u"PG1"), &first);
   EXPECT_EQ(index.findProgramEntry(u"PG1"), &first);
 
-  // The writer numbers file and folder names at their first use, with its stamp.
+  // The writer numbers file and folder names at their first use, not by the identifier.
   QvFWriteCsv writer(u"20240102_030405");
-  // Numbers follow the first use, not the identifier.
   for (const char16_t* id : {u"TM7", u"TM7", u"TM2", u"x"}) writer.timetableFileName(id);
   EXPECT_EQ(writer.timetableFileName(u"TM1"), u"TimeTable_20240102_030405_004.csv");
   EXPECT_EQ(writer.timetableFileName(u"TM7"), u"TimeTable_20240102_030405_001.csv");
   for (int i = 1; i <= 1000; ++i) writer.programFolderName(u"PG-" + f::FormatInt(i));
   EXPECT_EQ(writer.programFolderName(u"PG-1000"), u"Program_20240102_030405_1000");
-
-  EXPECT_EQ(QvFWriteCsv::imageFileName(u"CT2", 3), u"CT2.bmp");
-  EXPECT_EQ(QvFWriteCsv::imageFileName(u"CT2", 4), u"CT2.jpg");
-
+  EXPECT_EQ(QvFWriteCsv::imageFileName(u"C", 3) + QvFWriteCsv::imageFileName(u"C", 4),
+            u"C.bmpC.jpg");
   // The stamp of a writer without one: "%04d%02d%02d_%02d%02d%02d" of now.
   const std::u16string stamp = QvFWriteCsv().stamp();
   EXPECT_EQ(stamp.size() * 100 + stamp.find(u'_'), 1508u);
@@ -187,7 +161,7 @@ class CsvScheduleTimeTable : public ::testing::Test {
  protected:
   // Writes `utf8` as a code page 932 file and gives its path.
   std::u16string Project(const std::string& name, const std::string& utf8) {
-    qvtest::WriteFile(dir_.Sub(name), Cp932(utf8));
+    WriteFile(dir_.Sub(name), Cp932(utf8));
     return U16(dir_.Sub(name));
   }
 
@@ -196,11 +170,11 @@ class CsvScheduleTimeTable : public ::testing::Test {
   QvFWriteCsv writer_{u"20240101_000000"};
 };
 
-TEST_F(CsvScheduleTimeTable, ScheduleReadTakesNamesFlagsAndDates) {
+// Two columns give no default, nor does "1"; a file keeps its identifier; an empty name is a name;
+// an empty date is today's.  Short files and lines.
+TEST_F(CsvScheduleTimeTable, ScheduleReadAndShortFiles) {
   f::QvFSchedule s = reader_.readSchedule(
       Project("s.csv", "週間予定\n1\n2024/3/9,表.csv,TRUE\n,b.csv\n2025/12/31,表.csv,1\n,,\n"));
-  // Two columns give no default, nor does "1"; a file keeps its identifier;
-  // an empty name is a name; an empty date is today's.
   std::string entries = U8(s.schedule_list.name + u" " + f::FormatFlag(s.schedule_list.add));
   for (const f::QvFScheduleEntry& e : s.schedule_list.schedules)
     entries +=
@@ -208,32 +182,30 @@ TEST_F(CsvScheduleTimeTable, ScheduleReadTakesNamesFlagsAndDates) {
   const std::string today = U8(f::FormatDate(f::QvFLocalNow()));
   EXPECT_EQ(entries,
             "週間予定 true;2024/03/09 TM1 true;" + today + " TM2;2025/12/31 TM1;" + today + " TM3");
-}
 
-TEST_F(CsvScheduleTimeTable, ShortFilesAndLines) {
   f::QvFSchedule empty = reader_.readSchedule(Project("e.csv", "\nyes\n"));
   EXPECT_TRUE(!empty.schedule_list.add && empty.schedule_list.schedules.empty());
   EXPECT_TRUE(
-      reader_.readTimeTable(Project("two.csv", "name\n0xD4F0FF\n"))->table_list.tables.empty());
+      reader_.readTimeTable(Project("t.csv", "name\n0xD4F0FF\n"))->table_list.tables.empty());
   EXPECT_EQ(CodeOf([&] { reader_.readSchedule(Project("o.csv", "n\ntrue\n2024/01/01\n")); }), -102);
   EXPECT_EQ(CodeOf([&] { reader_.readSchedule(U16(dir_.Sub("missing.csv"))); }), -101);
   for (std::string line : {"", "08:00:00,09:00:00", "08:00:00,09:00:00,0", "08:00:00,,1,,3"})
-    EXPECT_EQ(CodeOf([&] { reader_.readTimeTable(Project("s.csv", "n\nc\n" + line + "\n")); }),
+    EXPECT_EQ(CodeOf([&] { reader_.readTimeTable(Project("t.csv", "n\nc\n" + line + "\n")); }),
               -102)
         << line;
   empty.schedule_list.add = true;
   writer_.outputSchedule(U16(dir_.Sub("none.csv")), empty);
-  EXPECT_EQ(qvtest::ReadFile(dir_.Sub("none.csv")), "\r\ntrue\r\n");
+  EXPECT_EQ(ReadFile(dir_.Sub("none.csv")), "\r\ntrue\r\n");
   EXPECT_EQ(CodeOf([&] { writer_.outputSchedule(U16(dir_.Sub("no/such.csv")), empty); }), -3);
 }
 
+// Start, then the program or the command's type and input, of each row; command lines add
+// nothing to the program folders.
 TEST_F(CsvScheduleTimeTable, TimeTableReadRowKinds) {
-  auto t =
-      reader_.readTimeTable(Project("t.csv",
-                                    "朝\n0xD4F0FF\n08:00:00,09:30:00,0,番組A,0,\n9:5:1,,0,番組B\n"
-                                    "10:00:00,,1,,3,HDMI1\n11:00:00,x,1,y,,\n12:00:00,,2\n"
-                                    "13:00:00,14:00:00,0,番組A,0,\n"));
-  // Start, then the program or the command's type and input, of each row.
+  auto t = reader_.readTimeTable(
+      Project("t.csv",
+              "朝\n0xD4F0FF\n08:00:00,09:30:00,0,番組A,0,\n9:5:1,,0,番組B\n10:00:00,,1,,3,HDMI1\n"
+              "11:00:00,x,1,y,,\n12:00:00,,2\n13:00:00,14:00:00,0,番組A,0,\n"));
   std::string rows =
       U8(t->table_list.name + u" " + f::FormatTime(t->table_list.tables.at(0).program->end_time));
   for (const f::QvFTable& row : t->table_list.tables) {
@@ -246,13 +218,12 @@ TEST_F(CsvScheduleTimeTable, TimeTableReadRowKinds) {
   }
   EXPECT_EQ(rows,
             "朝 09:30:00;08:00:00 PG1;09:05:01 PG2;10:00:00 3 HDMI1;11:00:00 0 ;;13:00:00 PG1");
-  // Command lines add nothing to the program folders.
   EXPECT_EQ(reader_.index().programFolders(),
             (std::vector<std::u16string>{U16("番組A"), U16("番組B")}));
 }
 
-// A program wins over a command, a row of neither writes no line, and
-// program folders are numbered at their first use.
+// A program wins over a command, a row of neither writes no line, and program folders are
+// numbered at their first use.
 TEST_F(CsvScheduleTimeTable, TimeTableWrite) {
   f::QvFTimeTable t;
   t.table_list.name = U16("夜の表");
@@ -266,11 +237,10 @@ TEST_F(CsvScheduleTimeTable, TimeTableWrite) {
   again.program->ref_program = u"PG3";
   t.table_list.tables = {program_row, command_row, f::QvFTable(), again, program_row};
   writer_.outputTimeTable(U16(dir_.Sub("tt.csv")), t);
-  EXPECT_EQ(qvtest::ReadFile(dir_.Sub("tt.csv")),
-            Cp932("夜の表\r\n0xD4F0FF\r\n07:05:03,23:59:59,0,Program_20240101_000000_001,0,\r\n12:"
-                  "00:30,,1,,-4,in\\,1\r\n"
-                  "07:05:03,23:59:59,0,Program_20240101_000000_002,0,\r\n"
-                  "07:05:03,23:59:59,0,Program_20240101_000000_001,0,\r\n"));
+  const std::string row = "07:05:03,23:59:59,0,Program_20240101_000000_00";
+  EXPECT_EQ(ReadFile(dir_.Sub("tt.csv")),
+            Cp932("夜の表\r\n0xD4F0FF\r\n" + row + "1,0,\r\n12:00:30,,1,,-4,in\\,1\r\n" + row +
+                  "2,0,\r\n" + row + "1,0,\r\n"));
 }
 
 std::string N(int v) { return " " + std::to_string(v); }
@@ -301,12 +271,11 @@ std::string Line2(const std::string& kind, const std::string& fx = "0") {
 class CsvProgram : public CsvScheduleTimeTable {
  protected:
   void SetUp() override { reader_.index().addProgramId(u"P"); }
-  // Writes a file below folder P (code page 932) and gives its path as the
-  // pipeline joins it: "<scratch>\P\<name>".
+  // Writes a file below folder P (code page 932); its path as the pipeline joins it: "<dir>\P\x".
   std::u16string Write(const std::string& name, const std::string& utf8) {
     std::string physical = name;
-    for (char& c : physical) c = c == '\\' ? '/' : c;
-    qvtest::WriteFile(dir_.Sub("P/" + physical), qvtest::Cp932(utf8));
+    std::replace(physical.begin(), physical.end(), '\\', '/');
+    WriteFile(dir_.Sub("P/" + physical), Cp932(utf8));
     return U16(dir_.path() + "\\P\\" + name);
   }
   // The item of one contents file, described; "" when there is none.
@@ -317,10 +286,10 @@ class CsvProgram : public CsvScheduleTimeTable {
   }
 };
 
+// The folder name stands behind the last backslash but one.  Lines 9, 7 and the exact "false" give
+// no pane, "FALSE" and "" do not skip; one file is one playlist.
 TEST_F(CsvProgram, ReadTakesFrameAndPanesByNumber) {
   reader_.index().addProgramId(u"番組");
-  // The folder name stands behind the last backslash but one. Lines 9, 7 and the exact
-  // "false" give no pane, "FALSE" and "" do not skip; one file is one playlist.
   auto p = reader_.readProgram(Write(
       "番組\\program.csv",
       "朝の番組\n0xD4F0FF,10,20,1920,1080,01:02:03,true\n0,playlist_0.csv,0,0,0,0,0x80112233\n"
@@ -329,30 +298,26 @@ TEST_F(CsvProgram, ReadTakesFrameAndPanesByNumber) {
       "5,t.csv,0,0,0,0,nocolour,true,0,\n4,b.csv,0,0,9,9,0x010101,0,0,yes\n"));
   std::string all =
       U8(p->id.text + u" " + p->name + u" " + f::FormatColorHex(p->program_info.background_color));
-  for (const f::QvFPane& pane : p->pane_info.panes) {
-    all +=
-        ";" +
-        U8(pane.playlist_file.ref_playlist.text + u" " + f::FormatFlag(pane.playlist_file.mute)) +
-        N(pane.region.x) + N(pane.region.width);
-  }
+  for (const f::QvFPane& pane : p->pane_info.panes)
+    all += ";" + U8(pane.playlist_file.ref_playlist.text) + " " +
+           U8(f::FormatFlag(pane.playlist_file.mute)) + N(pane.region.x) + N(pane.region.width);
   EXPECT_EQ(all, "PG2 朝の番組 0x80112233;PL1 true 1 3;PL2 false 5 7;PL3 true 0 0;PL1 false 0 9");
 }
 
+// Six columns give no layout lock; lines of other numbers pass; short lines are -102.
 TEST_F(CsvProgram, ShortLinesAre102) {
-  // Six columns give no layout lock; lines of other numbers pass.
   EXPECT_EQ(reader_.readProgram(Write("program.csv", "\n0x0,0,0,0,0,\n7\n8,\nzz\n"))
                 ->program_info.layout_lock,
             std::optional<bool>(false));
   for (const char* text : {"", "n\n0x0,1,2,3,4\n", "n\n0x0,0,0,0,0,\n0,p.csv,0,0,0,0\n",
                            "n\n0x0,0,0,0,0,\n5\n", "n\n0x0,0,0,0,0,\n3,p.csv,0,0,0,0,#0,true,0\n",
                            "n\n0x0,0,0,0,0,\n0,p.csv,0,0,0,0,ffffff\n"})
-    EXPECT_EQ(qvtest::CodeOf([&] { reader_.readProgram(Write("program.csv", text)); }), -102)
-        << text;
+    EXPECT_EQ(CodeOf([&] { reader_.readProgram(Write("program.csv", text)); }), -102) << text;
   for (std::string text :
-       {"noextension\n" + Line2("1"), ".png\n" + Line2("1"),  // shorter than ".jpeg"
+       {"noextension\n" + Line2("1"), ".png\n" + Line2("1") /* < ".jpeg" */,
         std::string("a.mp4\n1,00:00:01\n"), std::string("a.tlp\n4,00:00:01,,,\n"),
         std::string("a.mp4\n1,,,,ff0000,0\n"), std::string("\n7\n"), std::string("\n1\n")})
-    EXPECT_EQ(qvtest::CodeOf([&] { Item(text); }), -102) << text;
+    EXPECT_EQ(CodeOf([&] { Item(text); }), -102) << text;
 }
 
 // Kinds by extension, in any case; the packed effect code of images.
@@ -373,26 +338,26 @@ TEST_F(CsvProgram, ContentKindsAndPackedEffects) {
             u"..\\contents\\A.MP4CT2");
 
   // Effects 0 and 19 are none; what follows the item's fields, for each packed code.
-  const std::string image = "1 00:01:02 0 0 0 3 0x010203";
   std::string effects;
   for (const char* code :
        {"0", "19", "1073741824", "1", "2", "18", "258", "65537", "1073746690", "1073807361"})
-    effects += qvtest::EraseAll(Item("i.jpg\n" + Line2("1", code)), {image}) + ";";
+    effects +=
+        qvtest::EraseAll(Item("i.jpg\n" + Line2("1", code)), {"1 00:01:02 0 0 0 3 0x010203"}) + ";";
   EXPECT_EQ(effects,
             ";;; fx 18 0 false 5; fx 1 0 false 5; fx 17 0 false 5; fx 1 1 false 5; fx 18 0 true 5;"
             " fx 1 19 false 5; fx 18 19 true 5;");
 }
 
-// A placeholder stands only for empty playlists before the first items; a
-// kind 7 item takes the program's colour.
+// A placeholder stands only for empty playlists before the first items; a kind 7 item takes the
+// program's colour.
 TEST_F(CsvProgram, PlaceholderOnlyBeforeTheFirstItems) {
-  reader_.readProgram(Write(
-      "program.csv",
-      "n\n0x0,0,0,0,0,\n0,playlist_0.csv,0,0,0,0,0x112233\n1,playlist_1.csv,0,0,0,0,#445566,false,"
-      "0,true\n"
-      "2,playlist_2.csv,0,0,0,0,#0,false,0,true\n3,playlist_3.csv,0,0,0,0,#778899,false,0,true\n"));
-  Write("playlist_1.csv", ""), Write("playlist_2.csv", "information\\\\\\\\c1.csv\n"),
-      Write("playlist_3.csv", "");
+  const std::string pane = ",0,0,0,0,#445566,false,0,true\n";
+  reader_.readProgram(Write("program.csv",
+                            "n\n0x0,0,0,0,0,\n0,playlist_0.csv,0,0,0,0,0x112233\n"
+                            "1,playlist_1.csv" +
+                                pane + "2,playlist_2.csv" + pane + "3,playlist_3.csv" + pane));
+  Write("playlist_1.csv", ""), Write("playlist_2.csv", "information\\\\\\\\c1.csv\n");
+  Write("playlist_3.csv", "");
   std::string all;
   for (const char* name : {"playlist_1.csv", "playlist_2.csv", "playlist_3.csv"})
     for (const auto& item : reader_.readPlaylist(U16(dir_.path() + "\\P\\" + name)).contents)
@@ -406,22 +371,19 @@ TEST_F(CsvProgram, WrittenPlaylistPacksTheEffect) {
   image->ref_content.assign(u"CT8"), image->type = 2, image->aspect = 1;
   f::ParseTime(u"00:00:30", image->play_time.time);
   f::QvFImageEffect& effect = image->image_effect.emplace();
-  effect.type = f::kEffectRandom, effect.direction = f::kDirectionRandom,
+  effect.type = f::kEffectRandom, effect.direction = f::kDirectionRandom;
   effect.via_backgroundcolor = true, effect.t = 3;
-  auto plain = std::make_shared<f::QvFImage>(
-      *image);  // type 0 keeps 0 in the low byte, and the other fields
+  auto plain = std::make_shared<f::QvFImage>(*image);  // type 0 keeps 0 in the low byte
   plain->image_effect->type = f::kEffectNone, plain->image_effect->direction = f::kDirectionUp;
   plain->play_time.content_end = 1;  // the writer's own numbering: "10"
   f::QvFPlaylist written;
   written.contents = {image, plain};
   QvFNameMap names;
   QvFWriteCsv(u"S").outputPlaylistFile(1, U16(dir_.path()), &written, names);
-  EXPECT_EQ(qvtest::ReadFile(dir_.Sub("information/contents_1_001.csv")) +
-                qvtest::ReadFile(dir_.Sub("information/contents_1_002.csv")),
-            "..\\\\contents\\\\CT8.gif\r\n1,00:00:30,,false,0x000000,1,,0,0,0,100,1073807361,3,0,-"
-            "1,-1,-1,-1,00\r\n"
-            "..\\\\contents\\\\CT8.gif\r\n1,00:00:30,,false,0x000000,1,,0,0,0,100,65792,3,0,-1,-1,-"
-            "1,-1,10\r\n");
+  const std::string head = "..\\\\contents\\\\CT8.gif\r\n1,00:00:30,,false,0x000000,1,,0,0,0,100,";
+  EXPECT_EQ(ReadFile(dir_.Sub("information/contents_1_001.csv")) +
+                ReadFile(dir_.Sub("information/contents_1_002.csv")),
+            head + "1073807361,3,0,-1,-1,-1,-1,00\r\n" + head + "65792,3,0,-1,-1,-1,-1,10\r\n");
 }
 
 }  // namespace

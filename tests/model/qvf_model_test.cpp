@@ -7,16 +7,12 @@
 #include "model/qvf_text.h"
 #include "model/qvf_text_forms.h"
 
-#include <gtest/gtest.h>
-
 #include <array>
 #include <initializer_list>
-#include <optional>
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 #include "tests/support/fake_env.h"
+#include "tests/support/test_support.h"
 
 namespace quorvane::qvformat::format {
 namespace {

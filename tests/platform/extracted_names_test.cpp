@@ -4,14 +4,10 @@
 // descriptors: tree_removal_test.cpp.
 #include "platform/extracted_names.h"
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <filesystem>
-#include <string>
-#include <vector>
 
 #include "tests/support/test_support.h"
 

@@ -2,13 +2,8 @@
 // the name beforehand is refused and left exactly as it was, and so is what it points to; a free
 // name is made ours alone.
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <functional>
-#include <string>
-#include <vector>
 
 #include "platform/file_lock.h"
 #include "platform/private_folder.h"

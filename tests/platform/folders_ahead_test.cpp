@@ -2,11 +2,6 @@
 // there already counts as made, and nothing behind the first failure is made.
 #include "platform/folders_ahead.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "tests/support/test_support.h"
 
 namespace quorvane::platform {

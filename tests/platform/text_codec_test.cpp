@@ -1,24 +1,20 @@
-// Code page 932 against Microsoft's own table of it, byte by byte, pair by pair
-// and character by character, and the cases where Windows differs from other
-// converters.
-#include <gtest/gtest.h>
-
+// Code page 932 against Microsoft's own table of it, byte by byte, pair by pair and character by
+// character, and the cases where Windows differs from other converters.
 #include <cstdio>
 #include <fstream>
 #include <map>
 #include <sstream>
-#include <string>
-#include <vector>
 
 #include "platform/text_codec.h"
+#include "tests/support/test_support.h"
 
 namespace quorvane::platform {
 namespace {
 
 constexpr char16_t kDot = 0x30FB;  // the default character of decoding
 
-// The tables of bestfit932.txt: single bytes, lead bytes with their pairs,
-// characters with their byte codes (lead << 8 | trail for two bytes).
+// The tables of bestfit932.txt: single bytes, lead bytes with their pairs, characters with their
+// byte codes (lead << 8 | trail for two bytes).
 struct VendorTable {
   std::map<int, char16_t> single;
   std::map<int, std::map<int, char16_t>> lead;
@@ -27,36 +23,35 @@ struct VendorTable {
 
 bool ReadVendorTable(const std::string& path, VendorTable& table) {
   std::ifstream file(path);
-  if (!file) return false;
-  std::vector<std::vector<std::string>> lines;
+  std::vector<std::vector<std::string>> lines;  // the words of each line that has any
   for (std::string line; std::getline(file, line);) {
     std::istringstream fields(line.substr(0, line.find(';')));
     std::vector<std::string> words;
     for (std::string w; fields >> w;) words.push_back(w);
     if (!words.empty()) lines.push_back(words);
   }
-  auto number = [](const std::string& s) { return static_cast<int>(std::stoul(s, nullptr, 0)); };
   std::size_t i = 0;
+  auto number = [&](std::size_t line, int word) {
+    return static_cast<int>(std::stoul(lines.at(line).at(word), nullptr, 0));
+  };
   auto entries = [&](int count, auto&& add) {
-    for (int k = 0; k < count; ++k, ++i) add(number(lines.at(i).at(0)), number(lines.at(i).at(1)));
+    for (int k = 0; k < count; ++k, ++i) add(number(i, 0), number(i, 1));
   };
   while (i < lines.size()) {
-    const std::vector<std::string> head = lines[i++];
-    if (head[0] == "MBTABLE") {
-      entries(number(head[1]), [&](int b, int c) { table.single[b] = static_cast<char16_t>(c); });
-    } else if (head[0] == "DBCSRANGE") {
-      for (int r = number(head[1]); r > 0; --r) {
-        const int first = number(lines.at(i).at(0)), last = number(lines.at(i).at(1));
+    const std::string head = lines[i++][0];
+    if (head == "MBTABLE") {
+      entries(number(i - 1, 1), [&](int b, int c) { table.single[b] = static_cast<char16_t>(c); });
+    } else if (head == "WCTABLE") {
+      entries(number(i - 1, 1), [&](int c, int w) { table.wide[static_cast<char16_t>(c)] = w; });
+    } else if (head == "DBCSRANGE") {
+      for (int r = number(i - 1, 1); r > 0; --r) {
+        const int first = number(i, 0), last = number(i, 1);
         ++i;
         for (int b = first; b <= last; ++b) {
-          const int count = number(lines.at(i++).at(1));  // "DBCSTABLE <count>"
           std::map<int, char16_t>& pairs = table.lead[b];
-          entries(count, [&](int t, int c) { pairs[t] = static_cast<char16_t>(c); });
+          entries(number(i++, 1), [&](int t, int c) { pairs[t] = static_cast<char16_t>(c); });
         }
       }
-    } else if (head[0] == "WCTABLE") {
-      entries(number(head[1]),
-              [&](int c, int code) { table.wide[static_cast<char16_t>(c)] = code; });
     }
   }
   return !table.single.empty() && !table.lead.empty() && !table.wide.empty();
@@ -70,10 +65,7 @@ std::string Bytes(int code) {
 std::string Hex(std::u16string_view text) {
   std::string out;
   char unit[8];
-  for (char16_t c : text) {
-    std::snprintf(unit, sizeof unit, " %04X", static_cast<unsigned>(c));
-    out += unit;
-  }
+  for (char16_t c : text) out += (std::snprintf(unit, sizeof unit, " %04X", unsigned{c}), unit);
   return out;
 }
 
@@ -91,23 +83,20 @@ TEST(TextCodecCp932, EveryByteEveryPairEveryCharacterAsTheVendorTableSays) {
   std::string all_bytes;
   std::u16string all_chars;
   for (int b = 0; b < 256; ++b) {
-    const std::string one(1, static_cast<char>(b));
-    const auto single = table.single.find(b);
-    if (single != table.single.end()) {
-      expect("byte " + std::to_string(b), Utf16FromCp932(one), std::u16string(1, single->second));
+    const std::string one(1, static_cast<char>(b)), at = std::to_string(b);
+    if (const auto single = table.single.find(b); single != table.single.end()) {
+      expect("byte " + at, Utf16FromCp932(one), std::u16string(1, single->second));
       all_bytes += one, all_chars += single->second;
       continue;
     }
-    expect("lone lead " + std::to_string(b), Utf16FromCp932(one), std::u16string(1, kDot));
-    expect("lead before NUL " + std::to_string(b), Utf16FromCp932(one + '\0'),
-           std::u16string{kDot, 0});
+    expect("lone lead " + at, Utf16FromCp932(one), std::u16string(1, kDot));
+    expect("lead before NUL " + at, Utf16FromCp932(one + '\0'), std::u16string{kDot, 0});
     const std::map<int, char16_t>& pairs = table.lead.at(b);
     for (int t = 1; t < 256; ++t) {
       const auto listed = pairs.find(t);
       const char16_t want = listed == pairs.end() ? kDot : listed->second;
       const std::string pair = one + static_cast<char>(t);
-      expect("pair " + std::to_string(b) + " " + std::to_string(t), Utf16FromCp932(pair),
-             std::u16string(1, want));
+      expect("pair " + at + " " + std::to_string(t), Utf16FromCp932(pair), std::u16string(1, want));
       all_bytes += pair, all_chars += want;
     }
   }
@@ -129,29 +118,29 @@ TEST(TextCodecCp932, EveryByteEveryPairEveryCharacterAsTheVendorTableSays) {
 
 TEST(TextCodecCp932, WhereWindowsDiffersFromOtherConverters) {
   // Decoding: a lead byte takes the byte behind it, unless that is a NUL.
-  const struct { std::string bytes; std::u16string text; } decoded[] = {
-      {"\x81\x2C" "a", u"\u30FB" "a"},        // a comma after a lead byte is swallowed
-      {"\x81\x7F", u"\u30FB"},                // 0x7F is no trail byte
-      {"\x9F\xFD" "b", u"\u30FB" "b"},
+  const std::pair<std::string, std::u16string> decoded[] = {
+      {"\x81,a", u"\u30FBa"},   // a comma after a lead byte is swallowed
+      {"\x81\x7F", u"\u30FB"},  // 0x7F is no trail byte
+      {"\x9F\xFD\x62", u"\u30FBb"},
       {std::string("\x81\0x", 3), std::u16string{kDot, 0, u'x'}},
-      {"x\xE0", u"x\u30FB"},                   // a lead byte at the end
-      {"\x85\x41", u"\u30FB"},                 // a row without characters
+      {"x\xE0", u"x\u30FB"},    // a lead byte at the end
+      {"\x85\x41", u"\u30FB"},  // a row without characters
       {"\x80\xA0\xFD\xFF", u"\u0080\uF8F0\uF8F1\uF8F3"},
       {"\x81\x60\x81\x7C\x87\x90\xFA\x5C", u"\uFF5E\uFF0D\u2252\u7E8A"},
   };
-  for (const auto& d : decoded) EXPECT_EQ(Hex(Utf16FromCp932(d.bytes)), Hex(d.text)) << Hex(d.text);
+  for (const auto& [bytes, text] : decoded) EXPECT_EQ(Hex(Utf16FromCp932(bytes)), Hex(text));
 
   // Encoding: best fit, "?" where there is none, one "?" per surrogate.
-  const struct { std::u16string text; std::string bytes; } encoded[] = {
-      {u"\u00E9\u00A9\u3094\u00A5", "ec\x83\x94\\"},               // é © ゔ ¥ by best fit
-      {u"\u2014\u2016\u203E\u2212\u301C", "?????"},                // other converters map these
+  const std::pair<std::u16string, std::string> encoded[] = {
+      {u"\u00E9\u00A9\u3094\u00A5", "ec\x83\x94\\"},  // é © ゔ ¥ by best fit
+      {u"\u2014\u2016\u203E\u2212\u301C", "?????"},   // other converters map these
       {u"\u2015\u2225\uFF5E\uFF0D", "\x81\x5C\x81\x61\x81\x60\x81\x7C"},
       {u"\u2235\uFFE2\u2252\u7E8A\u2170", "\x81\xE6\x81\xCA\x81\xE0\xFA\x5C\xFA\x40"},
       {u"\U0001F600", "??"},
       {std::u16string(1, char16_t(0xDC00)) + u"\u30FB", "?\x81\x45"},
       {u"", ""},
   };
-  for (const auto& e : encoded) EXPECT_EQ(Cp932FromUtf16(e.text), e.bytes) << Hex(e.text);
+  for (const auto& [text, bytes] : encoded) EXPECT_EQ(Cp932FromUtf16(text), bytes) << Hex(text);
 }
 
 }  // namespace

@@ -4,14 +4,10 @@
 #include "platform/tree_removal.h"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include <string>
-#include <vector>
 
 #include "platform/extracted_names.h"
 #include "tests/support/test_support.h"

@@ -3,10 +3,6 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
-#include <algorithm>
-#include <string>
-#include <vector>
-
 #include "platform/file_system.h"
 #include "platform/ntfs_names.h"
 #include "platform/win32_path.h"

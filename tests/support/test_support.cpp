@@ -24,6 +24,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
+thread_local std::error_code ignored;  // of calls whose failure the test sees otherwise
+
 std::string TempRoot() {
   const char* t = std::getenv("TMPDIR");
   std::string root = (t && *t) ? t : "/tmp";
@@ -96,26 +98,33 @@ bool Exists(const std::string& path) {
   struct stat st;
   return ::lstat(path.c_str(), &st) == 0;
 }
-bool IsDir(const std::string& path) {
-  std::error_code ec;
-  return fs::is_directory(path, ec);
-}
-void MakeDirs(const std::string& path) {
-  std::error_code ec;
-  fs::create_directories(path, ec);
-}
-void RemoveAll(const std::string& path) {
-  std::error_code ec;
-  fs::remove_all(path, ec);
-}
+bool IsDir(const std::string& path) { return fs::is_directory(path, ignored); }
+void MakeDirs(const std::string& path) { fs::create_directories(path, ignored); }
+void RemoveAll(const std::string& path) { fs::remove_all(path, ignored); }
 
 std::vector<std::string> ListDir(const std::string& path) {
   std::vector<std::string> names;
-  std::error_code ec;
-  for (const auto& e : fs::directory_iterator(path, ec))
+  for (const auto& e : fs::directory_iterator(path, ignored))
     names.push_back(e.path().filename().string() + (e.is_directory() ? "/" : ""));
   std::sort(names.begin(), names.end());
   return names;
+}
+
+std::vector<std::string> FilesBelow(const std::string& folder) {
+  std::vector<std::string> out;
+  std::error_code ec;
+  for (auto it = fs::recursive_directory_iterator(folder, ec);
+       !ec && it != fs::recursive_directory_iterator(); it.increment(ec))
+    if (it->is_regular_file()) out.push_back(fs::relative(it->path(), folder).string());
+  std::sort(out.begin(), out.end());
+  return out;
+}
+
+std::vector<std::string> Contents(const std::string& folder) {
+  std::vector<std::string> out;
+  for (const std::string& file : FilesBelow(folder))
+    out.push_back(file + "=" + ReadFile(folder + "/" + file));
+  return out;
 }
 
 std::string Cp932(std::string_view utf8) { return Convert(utf8, "CP932", "UTF-8"); }

@@ -1,13 +1,16 @@
-// Helpers shared by the unit and black-box tests: a scratch folder per test,
-// whole-file reads and writes, code page 932 text, and running a program with
-// its exit status.  Tests may call the system directly; the product may not.
+// Helpers shared by the unit and black-box tests: a scratch folder per test, whole files, code
+// page 932 text, zips, and running a program.  Tests may call the system directly; the product
+// may not.
 #ifndef QV_TESTS_SUPPORT_TEST_SUPPORT_H_
 #define QV_TESTS_SUPPORT_TEST_SUPPORT_H_
 
+// GoogleTest and the standard headers that every test uses come with this header.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -19,8 +22,8 @@
 
 namespace qvtest {
 
-// A fresh, empty folder below $TMPDIR (or /tmp), removed at destruction.
-// path() ends without a separator.
+// A fresh, empty folder below $TMPDIR (or /tmp), removed at destruction; path() has no "/" at
+// the end.
 class ScratchDir {
  public:
   ScratchDir();
@@ -29,7 +32,6 @@ class ScratchDir {
   ScratchDir& operator=(const ScratchDir&) = delete;
 
   const std::string& path() const { return path_; }
-  // path() + "/" + relative
   std::string Sub(std::string_view relative) const;
 
  private:
@@ -46,27 +48,26 @@ void MakeDirs(const std::string& path);
 void RemoveAll(const std::string& path);
 // Plain file names in a folder, sorted; folders end in "/".
 std::vector<std::string> ListDir(const std::string& path);
+// The plain files below a folder, hidden ones included, relative and sorted; Contents() gives
+// them as "path=bytes".
+std::vector<std::string> FilesBelow(const std::string& folder);
+std::vector<std::string> Contents(const std::string& folder);
 
-// UTF-8 <-> code page 932 (Windows-31J) for building project files in tests.
+// UTF-8 <-> code page 932 (Windows-31J) and UTF-16, by iconv.
 std::string Cp932(std::string_view utf8);
 std::string Utf8FromCp932(std::string_view cp932);
 std::u16string U16(std::string_view utf8);
 std::string U8(std::u16string_view text);
 
 struct RunResult {
-  int status = -1;       // exit status 0..255, or -1 when the program did not exit normally
-  std::string output;    // stdout and stderr together
+  int status = -1;     // exit status 0..255, or -1 when the program did not exit normally
+  std::string output;  // stdout and stderr together
 };
 
-// Runs a program with the given arguments (argv[0] is args[0], searched in
-// PATH), with extra "NAME=value" entries added to (or replacing those of) the
-// environment. Waits for it.
-RunResult Run(const std::vector<std::string>& args,
-              const std::vector<std::string>& env = {});
-
-// Runs the built qvConvApp with the given arguments.
-RunResult RunQv(const std::vector<std::string>& args,
-                const std::vector<std::string>& env = {});
+// Runs a program (args[0], searched in PATH) to its end, with "NAME=value" entries added to (or
+// replacing those of) the environment.  RunQv runs the built qvConvApp.
+RunResult Run(const std::vector<std::string>& args, const std::vector<std::string>& env = {});
+RunResult RunQv(const std::vector<std::string>& args, const std::vector<std::string>& env = {});
 
 // Every stamp "YYYYMMDD_hhmmss" of a written project name replaced by `with`;
 // the first one in `text` (empty if none).
@@ -103,22 +104,19 @@ class EnvOverride {
 // A date `days` from today in the schedule's form, "%04d/%02d/%02d".
 std::string DateFromToday(int days);
 
-// Packs the contents of `folder` (entries by their names relative to it)
-// into a new zip file with 7za.
+// Packs what `folder` holds (names relative to it) into a zip file with 7za; the member names
+// that 7za lists (with "/" separators), sorted.
 void ZipFolderContents(const std::string& folder, const std::string& zip);
-// Member names of a zip file as 7za lists them (with "/" separators), sorted.
 std::vector<std::string> ZipMembers(const std::string& zip);
 
-// One entry of a zip file written byte by byte, as any tool may write it: any
-// name bytes ("../x", "a\b", code page 932), any Unix mode (0: none, the
-// entry is made by MS-DOS; 0120777 is a symbolic link to `data`), the UTF-8
-// flag (general purpose bit 11) as asked.
+// An entry of a zip file of stored entries, written byte by byte as any tool may: any name bytes
+// ("../x", "a\b", code page 932), any Unix mode (0: made by MS-DOS; 0120777: a symbolic link to
+// `data`), the UTF-8 flag (general purpose bit 11) as asked.
 struct ZipEntry {
   std::string name, data;
   std::uint32_t mode = 0;
   bool utf8 = false;
 };
-// A zip file of stored entries.
 std::string StoredZip(const std::vector<ZipEntry>& entries);
 // The names of a zip file's central directory, in order, with their UTF-8 flags.
 std::vector<std::pair<std::string, bool>> ZipNames(const std::string& zip);

@@ -1,12 +1,6 @@
 #include "workspace/archive_tool.h"
 
-#include <gtest/gtest.h>
 #include <unistd.h>
-
-#include <algorithm>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "tests/support/test_support.h"
 

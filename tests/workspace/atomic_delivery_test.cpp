@@ -1,11 +1,6 @@
 #include "workspace/atomic_delivery.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <filesystem>
-#include <string>
-#include <vector>
 
 #include "tests/support/test_support.h"
 #include "workspace/archive_tool.h"

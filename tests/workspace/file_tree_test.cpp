@@ -1,12 +1,8 @@
 #include "workspace/file_tree.h"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <string>
-#include <vector>
 
 #include "tests/support/test_support.h"
 

@@ -1,9 +1,6 @@
 #include "workspace/text_conversion.h"
 
-#include <gtest/gtest.h>
-
 #include <stdexcept>
-#include <string>
 
 #include "tests/support/test_support.h"
 
@@ -13,9 +10,14 @@ TEST(ByteOrderMark, EachMarkAndShortFiles) {
   using quorvane::qvconv::converter::ReadByteOrderMark;
   qvtest::ScratchDir scratch;
   const std::pair<std::string, int> cases[] = {
-      {"", 0},          {"\xFF", 0},     {"\xFF\xFE", 1}, {"\xFE\xFFrest", 2},
-      {"\xEF\xBB\xBF", 3}, {"\xEF\xBBx", 3} /* the third byte is not looked at */,
-      {"\xFE\xFE", 0},  {"ab", 0},
+      {"", 0},
+      {"\xFF", 0},
+      {"\xFF\xFE", 1},
+      {"\xFE\xFFrest", 2},
+      {"\xEF\xBB\xBF", 3},
+      {"\xEF\xBBx", 3} /* the third byte is not looked at */,
+      {"\xFE\xFE", 0},
+      {"ab", 0},
   };
   int n = 0;
   for (const auto& [bytes, mark] : cases) {

@@ -1,9 +1,5 @@
 #include "workspace/work_folder.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "tests/support/test_support.h"
 
 namespace {

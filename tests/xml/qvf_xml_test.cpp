@@ -2,10 +2,7 @@
 // round trips in both vocabularies, values written only when set, and hand-written documents with
 // the rules of walking them.
 #include <ctime>
-#include <memory>
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 #include "model/qvf_records.h"
 #include "tests/support/fake_env.h"
