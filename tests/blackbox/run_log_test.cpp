@@ -103,11 +103,12 @@ TEST_F(RunLog, EachFailureCodeNamesWhatDecidedIt) {
 TEST_F(RunLog, AccountOfAConversionAndAWayBack) {
   std::string log = PackageLog(0);
   EXPECT_EQ(log.rfind("[", 0), 0u);
-  for (const std::string& step : {"] start " + Quoted(project_) + " " + Quoted("-package" + zip_) +
-                                      " " + Quoted("-log" + log_) + "\n",
-                                  "check " + Path("Schedule.csv"), "read " + Path("Schedule.csv"),
-                                  "copy " + Path("contents/オープニング.mp4"),
-                                  "deliver " + Quoted(zip_ + ".partial") + " to " + Quoted(zip_)})
+  for (const std::string& step :
+       {std::string("] start "),
+        Quoted(project_) + " " + Quoted("-package" + zip_) + " " + Quoted("-log" + log_) + "\n",
+        "check " + Path("Schedule.csv"), "read " + Path("Schedule.csv"),
+        "copy " + Path("contents/オープニング.mp4"),
+        "deliver " + Quoted(zip_ + ".partial") + " to " + Quoted(zip_)})
     EXPECT_LOGGED(log, step);
   MakeDirs(back_);
   ASSERT_EQ(RunQv({zip_, "-unpackage" + back_, "-log" + log_}, RunEnv(temp_)).status, 0);
