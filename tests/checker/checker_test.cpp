@@ -1,7 +1,6 @@
-// The checker: the message catalogue and the check table; a checker with a begun report, files
+// The checker: the message catalogue in both languages; a checker with a begun report, files
 // written into a scratch folder and the Results read back, over layouts, contents, telops,
 // schedules, time tables and programs, and unreadable files.
-
 #include <tuple>
 
 #include "base/qv_conv_exception.h"
@@ -17,13 +16,8 @@ namespace {
 
 namespace checker = quorvane::qvconv::checker;
 namespace xml = quorvane::qvformat::format::io::xml;
-using checker::ChContentsInfo;
-using checker::ChProgram;
-using checker::ChSchedule;
-using checker::ChTimeTable;
+using checker::ChContentsInfo, checker::ChProgram, checker::ChSchedule, checker::ChTimeTable;
 using checker::QvChMessage;
-using checker::QvChTable;
-using quorvane::qvconv::converter::QvConvException;
 
 struct ReportResult {
   std::string id, kind, pane, file, text;
@@ -32,8 +26,8 @@ struct ReportResult {
 class CheckerHarness {
  public:
   CheckerHarness() {
-    checker.createReport(), checker.setSource(U16(dir.path())),
-        checker.display_region = {0, 0, 1920, 1080};
+    checker.createReport(), checker.setSource(U16(dir.path()));
+    checker.display_region = {0, 0, 1920, 1080};
   }
 
   // Writes a project CSV file (code page 932, CR LF) below the scratch folder.
@@ -46,11 +40,12 @@ class CheckerHarness {
   // Runs checkFile: the code of a QvConvException pointer, of one thrown by value plus 10000, or 0.
   std::int32_t Check(checker::QvChFileKind kind, const std::string& path) try {
     return CodeOf([&] { checker.checkFile(kind, U16(path)); });
-  } catch (const QvConvException& e) {
+  } catch (const quorvane::qvconv::converter::QvConvException& e) {
     return e.code() + 10000;
   }
 
-  // Every Result of the report in document order; Kinds() gives "id:kind@pane" of each.
+  // Every Result of the report in document order; Kinds() gives "id:kind@pane" of each, and
+  // " =<code>" for a code that is not 0.
   std::vector<ReportResult> Results() const {
     std::vector<ReportResult> results;
     xml::ForEachChildElement(checker.check_result, [&](xercesc::DOMElement* data) {
@@ -64,11 +59,11 @@ class CheckerHarness {
     });
     return results;
   }
-  std::string Kinds() const {
+  std::string Kinds(std::int32_t code = 0) const {
     std::string text;
     for (const ReportResult& r : Results())
       text += " " + r.id + ":" + r.kind + (r.pane.empty() ? "" : "@" + r.pane);
-    return text.empty() ? text : text.substr(1);
+    return (text.empty() ? text : text.substr(1)) + (code ? " =" + std::to_string(code) : "");
   }
 
   ScratchDir dir;
@@ -76,8 +71,7 @@ class CheckerHarness {
 };
 
 TEST(CheckerCatalogue, EveryKeyInBothLanguagesChosenByTheLocale) {
-  const QvChMessage english("en_US.UTF-8");
-  const QvChMessage japanese("ja_JP.UTF-8");
+  const QvChMessage english("en_US.UTF-8"), japanese("ja_JP.UTF-8");
   EXPECT_EQ(japanese.messages.size(), english.messages.size());
   for (const auto& [key, text] : english.messages) {
     EXPECT_EQ(japanese.messages.count(key), 1u) << U8(key);
@@ -86,7 +80,6 @@ TEST(CheckerCatalogue, EveryKeyInBothLanguagesChosenByTheLocale) {
   EXPECT_EQ(U8(japanese.lookUp(u"msg.SC0301")), "過去のスケジュールがあります。再生されません。");
   EXPECT_EQ(english.lookUp(u"msg.CI0121"), english.lookUp(u"msg.CI0100"));  // a shared text
   EXPECT_THROW(english.lookUp(u"msg.CI1300"), std::out_of_range);
-  // The language follows the locale.
   for (const char* name :
        {"en_US.UTF-8", "en_GB", "en", "C", "C.UTF-8", "POSIX", "English_US.1252"})
     EXPECT_TRUE(QvChMessage::IsEnglishLocale(name)) << name;
@@ -97,20 +90,8 @@ TEST(CheckerCatalogue, EveryKeyInBothLanguagesChosenByTheLocale) {
     EXPECT_EQ(U8(QvChMessage::getMessage(u"msg.NUMBER")), "Numeric data is invalid.");
   }
   EXPECT_EQ(QvChMessage::getMessage(u"msg.NOPE"), u"");
-}
-
-TEST(CheckerTable, SelectsRowsAndRefusesUnknownOnes) {
-  QvChTable table;
-  table.buildTable();
-  table.buildTable();  // a table is filled once
-  ASSERT_EQ(table.rows.size(), 27u);
-  EXPECT_TRUE(table.selectRow(u"PG0501"));
-  EXPECT_TRUE(table.current.is_error);
-  // A failed selection leaves the current row alone.
-  EXPECT_FALSE(table.selectRow(u"CI1401"));
-  EXPECT_FALSE(table.selectRow(u"pg0501"));
-  EXPECT_EQ(U8(table.current.id), "PG0501");
-  EXPECT_EQ(CodeOf([] { QvChTable missing(u"XX0000"); }), -998);
+  // A rule the check table lacks ends the run.
+  EXPECT_EQ(CodeOf([] { checker::QvChTable missing(u"XX0000"); }), -998);
 }
 
 // A contents file: the content, then its 19 properties with `type`, colour and the frame move cells
@@ -125,10 +106,10 @@ std::vector<std::string> Contents(const std::string& content, const std::string&
 TEST(CheckerReport, PaneOverrideAndKeysWithoutText) {
   CheckerHarness h;
   FixedLocale locale("en_US.UTF-8");
-  const std::string contents =
-      h.Csv("P/information/contents_1_001.csv", Contents("..\\\\contents\\\\a.wmv", "1"));
   h.checker.pane_override = 4;
-  EXPECT_EQ(h.Check(ChContentsInfo, contents), 0);
+  EXPECT_EQ(h.Check(ChContentsInfo, h.Csv("P/information/contents_1_001.csv",
+                                          Contents("..\\\\contents\\\\a.wmv", "1"))),
+            0);
   h.checker.pane_override = -1;
   h.checker.addResult(u"EP0000", true, -1, u"", u"msg.EP0000");
   h.checker.addResult(u"XX0001", false, 3, u"", u"");
@@ -136,8 +117,7 @@ TEST(CheckerReport, PaneOverrideAndKeysWithoutText) {
   const std::vector<ReportResult> r = h.Results();
   ASSERT_EQ(r.size(), 3u);
   EXPECT_EQ(r[0].pane + r[0].file, "4a.wmv");  // the override goes before the row's pane
-  EXPECT_EQ(r[1].pane + r[1].file, "");
-  EXPECT_EQ(r[2].kind + r[2].pane, "W3");
+  EXPECT_EQ(r[1].pane + r[1].file + r[2].kind + r[2].pane, "W3");
   EXPECT_EQ(r[2].text, "An unknown error exists in the data.");
 }
 
@@ -166,13 +146,12 @@ std::tm Noon() {
 std::string Today(CheckerHarness& h, std::vector<std::string> entries) {
   entries.insert(entries.begin(), {"n", "f"});
   const std::int32_t code = h.Check(ChSchedule, h.Csv("Schedule_1.csv", entries));
-  return U8(h.checker.today_timetable) + " " + h.Kinds() +
-         (code ? " =" + std::to_string(code) : "");
+  return U8(h.checker.today_timetable) + " " + h.Kinds(code);
 }
 
 // Today's time table is the last of today's entries, an empty date is today's, an unreadable one
-// bad data. The date cell is scanned "%4d/%2d/%2d": a third digit of the day is left over, and the
-// ideographic space before a number is white space.
+// bad data.  The date cell is scanned "%4d/%2d/%2d": a third digit of the day is left over, and
+// the ideographic space before a number is white space.
 TEST(CheckerSchedule, TodaysTableAndDateCells) {
   FixedClock clock(Noon());
   const std::string t = kToday;
@@ -197,53 +176,48 @@ TEST(CheckerTimeTable, TodaysTimesAgainstTheClock) {
   EXPECT_EQ(h.Kinds(), "TM0301:W");
 }
 
-// The findings on a program of the frame `frame` (x,y,w,h) and pane lines, and the code if not 0;
-// `text` gets the first finding's text.
-std::string Layout(const std::string& frame, const std::vector<std::string>& panes = {},
-                   std::string* text = nullptr) {
-  CheckerHarness h;
-  std::vector<std::string> lines = {"prog", "0xD4F0FF," + frame + ",00:01:00,0"};
-  lines.insert(lines.end(), panes.begin(), panes.end());
-  const std::int32_t code = h.Check(ChProgram, h.Csv("P/program.csv", lines));
-  if (text) *text = h.Results().at(0).text;
-  return h.Kinds() + (code ? " =" + std::to_string(code) : "");
-}
-
 std::string Pane(int n, const std::string& region, const std::string& used) {
   return std::to_string(n) + ",playlist_" + std::to_string(n) + ".csv," + region + ",0x0,false,0," +
          used;
 }
 
+// The program frame against the display region, pane roles and regions; the last template line
+// governs further rows, with their panes; a short pane line ends the walk with -500 by value.
 TEST(CheckerLayout, ProgramFrameAgainstTheRegionAndPaneRoles) {
-  EXPECT_EQ(Layout("0,10,1920,1080"), "PG0702:E");
-  EXPECT_EQ(Layout("5a,0,1920,1080"), "PG0701:E PG0301:E");
-  EXPECT_EQ(Layout("10,0,5000,5000"), "PG0701:E");  // no size finding after a position finding
-  CheckerHarness h;                                 // no height cell: no finding
+  const std::string full = "0,0,1920,1080", one = "0,0,1,1", nine = Pane(9, "0,0,0,0", "true");
+  const struct {
+    std::string frame;
+    std::vector<std::string> panes;
+    std::string findings;
+  } cases[] = {
+      {"0,10,1920,1080", {}, "PG0702:E"},
+      {"5a,0,1920,1080", {}, "PG0701:E PG0301:E"},
+      {"10,0,5000,5000", {}, "PG0701:E"},  // no size finding after a position finding
+      {"0,5,1920,1080", {Pane(1, "0,0,3000,3000", "true")}, "PG0702:E"},  // silences row 1's size
+      {full, {Pane(1, full, "true"), Pane(2, "0,0,10,10", "1")}, "PG0903:E@1"},
+      {full, {Pane(1, "0,0,10,10", "false"), Pane(3, "0,0,10,10", "")}, ""},
+      {full, {Pane(1, "0,1081,3000,100", "TRUE")}, "PG1201:W PG1301:W"},
+      {full, {Pane(1, "-1,0,10,10", "true")}, "PG1101:E"},
+      {full, {Pane(5, one, "true"), Pane(6, one, "true")}, "PG0907:E@1"},
+      {full, {Pane(6, one, "true"), Pane(5, one, "true")}, "PG0906:E@1"},
+      {full, {Pane(8, one, "true"), Pane(8, one, "0"), Pane(8, one, "false")}, "PG0909:E@0"},
+      {full, {Pane(9, one, "true"), Pane(12, "", ""), "0"}, ""},
+      {full, {nine, nine, nine, nine, "x1,p.csv"}, "PG0900:E@4"},  // row 6
+      {full, {"1,playlist_1.csv,0,0"}, " =9500"},
+      {full, {"7"}, " =9500"},
+  };
+  for (const auto& c : cases) {
+    CheckerHarness h;
+    std::vector<std::string> lines = {"prog", "0xD4F0FF," + c.frame + ",00:01:00,0"};
+    lines.insert(lines.end(), c.panes.begin(), c.panes.end());
+    EXPECT_EQ(h.Kinds(h.Check(ChProgram, h.Csv("P/program.csv", lines))), c.findings)
+        << testing::PrintToString(lines);
+    EXPECT_TRUE(c.findings != "PG0900:E@4" ||
+                h.Results().at(0).text == U8(QvChMessage::getMessage(u"msg.NUMBER")));
+  }
+  CheckerHarness h;  // no height cell: no finding
   EXPECT_EQ(h.Check(ChProgram, h.Csv("p.csv", {"n", "0x0,0,0,5000"})), 0);
   EXPECT_FALSE(h.checker.has_result);
-  // A position finding of row 1 silences the frame's size test.
-  EXPECT_EQ(Layout("0,5,1920,1080", {Pane(1, "0,0,3000,3000", "true")}), "PG0702:E");
-
-  // Pane roles.
-  const std::string full = "0,0,1920,1080";
-  EXPECT_EQ(Layout(full, {Pane(1, full, "true"), Pane(2, "0,0,10,10", "1")}), "PG0903:E@1");
-  EXPECT_EQ(Layout(full, {Pane(1, "0,0,10,10", "false"), Pane(3, "0,0,10,10", "")}), "");
-  EXPECT_EQ(Layout(full, {Pane(1, "0,1081,3000,100", "TRUE")}), "PG1201:W PG1301:W");
-  EXPECT_EQ(Layout(full, {Pane(1, "-1,0,10,10", "true")}), "PG1101:E");
-  EXPECT_EQ(Layout(full, {Pane(5, "0,0,1,1", "true"), Pane(6, "0,0,1,1", "true")}), "PG0907:E@1");
-  EXPECT_EQ(Layout(full, {Pane(6, "0,0,1,1", "true"), Pane(5, "0,0,1,1", "true")}), "PG0906:E@1");
-  EXPECT_EQ(Layout(full, {Pane(8, "0,0,1,1", "true"), Pane(8, "0,0,1,1", "0"),
-                          Pane(8, "0,0,1,1", "false")}),
-            "PG0909:E@0");
-  EXPECT_EQ(Layout(full, {Pane(9, "0,0,1,1", "true"), Pane(12, "", ""), "0"}), "");
-  // The last template line governs further rows, with their panes.
-  const std::string nine = Pane(9, "0,0,0,0", "true");
-  std::string text;
-  EXPECT_EQ(Layout(full, {nine, nine, nine, nine, "x1,p.csv"}, &text), "PG0900:E@4");  // row 6
-  EXPECT_EQ(text, U8(QvChMessage::getMessage(u"msg.NUMBER")));
-  // A short pane line ends the walk with -500 thrown by value.
-  EXPECT_EQ(Layout(full, {"1,playlist_1.csv,0,0"}), " =9500");
-  EXPECT_EQ(Layout(full, {"7"}), " =9500");
 }
 
 TEST(CheckerLayout, BackgroundAndSoundPlaylistsMustBeEmpty) {
@@ -284,26 +258,17 @@ TEST(CheckerContent, ExtensionsColoursAndEffects) {
   EXPECT_EQ(h.Kinds(), "CHECK_COLOR:E CI1401:E CI1401:E CI1380:E CI0211:E CI0203:E");
 }
 
-// A telop file: line 1, the parameter line, the text lines.
-std::string Telop(int font_size, const std::string& line) {
-  return "telop\r\n0,0," + std::to_string(font_size) + ",0,0,0,0,0,0\r\n" + line + "\r\n";
-}
-
-std::string Utf16Le(const std::string& utf8) {
-  std::string out = "\xFF\xFE";
-  for (const char16_t c : U16(utf8))
-    out += {static_cast<char>(c & 0xFF), static_cast<char>(c >> 8)};
-  return out;
-}
-
-// The findings on a contents file naming a telop of the given bytes, and the code if not 0.
+// The findings on a contents file naming a telop of the given bytes (a telop file: a first line,
+// the parameters, the text), and the code if not 0.
 std::string CheckTelop(const std::string& bytes, const std::string& name = "t.tlp") {
   CheckerHarness h;
   WriteFile(h.dir.Sub("proj/contents/t.tlp"), bytes);
   h.Csv("proj/P/information/contents_5_001.csv", {"..\\\\contents\\\\" + name, "4,,,,0x0"});
-  const std::int32_t code =
-      h.Check(ChContentsInfo, h.dir.Sub("proj") + "\\P\\information\\contents_5_001.csv");
-  return h.Kinds() + (code ? " =" + std::to_string(code) : "");
+  return h.Kinds(
+      h.Check(ChContentsInfo, h.dir.Sub("proj") + "\\P\\information\\contents_5_001.csv"));
+}
+std::string Telop(int font_size, const std::string& line) {
+  return "telop\r\n0,0," + std::to_string(font_size) + ",0,0,0,0,0,0\r\n" + line + "\r\n";
 }
 
 TEST(CheckerContent, TelopLimitsAndBrokenTelops) {
@@ -313,9 +278,12 @@ TEST(CheckerContent, TelopLimitsAndBrokenTelops) {
   EXPECT_EQ(CheckTelop(Cp932(Telop(100, kanji70.substr(0, 69 * 3)))), "");
   EXPECT_EQ(CheckTelop(Cp932(Telop(100, kanji70))), "CI2301:E");
   // A UTF-16 line of more than 1024 characters takes no part.
-  EXPECT_EQ(CheckTelop(Utf16Le(Telop(100, std::string(1025, 'a')))), "");
-  // Long code page 932 lines read as pieces of 1023 bytes: 1023 half-width
-  // katakana (3 bytes as UTF-8) keep the 341 characters that fit in 1024 bytes.
+  std::string utf16 = "\xFF\xFE";
+  for (const char16_t c : U16(Telop(100, std::string(1025, 'a'))))
+    utf16 += {static_cast<char>(c & 0xFF), static_cast<char>(c >> 8)};
+  EXPECT_EQ(CheckTelop(utf16), "");
+  // Long code page 932 lines read as pieces of 1023 bytes: 1023 half-width katakana (3 bytes as
+  // UTF-8) keep the 341 characters that fit in 1024 bytes.
   EXPECT_EQ(CheckTelop(Telop(20, std::string(3000, '\xB1'))), "");
   EXPECT_EQ(CheckTelop(Telop(21, std::string(3000, '\xB1'))), "CI2301:E");
   // Broken or missing telops end the check with -500 thrown by value.
