@@ -114,6 +114,38 @@ void BuildTimeTableProject(ProjectBuilder& p) {
   p.TimeTable("時間表b.csv", "夜", {CommandLine("22:00:00", "2", "VIDEO1")});
 }
 
+std::string ScheduleXml(Cell name, Cell inner, Cell table) {
+  return "<qv ver=\"1.0\"><sl n=\"" + name + "\">" + inner + "<s dt=\"2035/01/01\" rt=\"" + table +
+         "\" df=\"t\"/></sl></qv>";
+}
+
+std::string TableXml(Cell program) {
+  return "<tt i=\"TM1\"><tl n=\"T\"><tb><pg rp=\"" + program +
+         "\" st=\"08:00:00\" et=\"09:00:00\"/></tb></tl></tt>";
+}
+
+std::string ProgramXml(Cell playlist, int panes) {
+  const std::string region = "<re x=\"0\" y=\"0\" w=\"1920\" h=\"1080\"/>";
+  std::string xml = "<pgp i=\"PG1\" n=\"P\"><pgi pgt=\"00:10:00\">" + region + "</pgi><pai>";
+  for (int i = 1; i <= panes; ++i)
+    xml += "<pa>" + region + "<plf rl=\"" + (i == 1 ? playlist : "PL" + std::to_string(i)) +
+           "\"/></pa>";
+  return xml + "</pai></pgp>";
+}
+
+std::string MovieXml(Cell rc, Cell attr) {
+  return "<m rc=\"" + rc + "\" tp=\"mp4\"" + attr + "><pt t=\"00:00:01\"/></m>";
+}
+
+void HandPackageTest::Scenario(const std::string& items, int panes) {
+  RemoveAll(src_);
+  Write("QvS.xml", ScheduleXml());
+  Write("QvT/TM1.xml", TableXml());
+  Write("QvP/PG1/PG1.xml", ProgramXml("PL1", panes));
+  Write("QvP/PG1/PL1.xml", "<pl i=\"PL1\">" + items + "</pl>");
+  WriteFile(src_ + "/QvFormat/QvC/CT1.mp4", "movie");
+}
+
 std::vector<const XmlNode*> XmlNode::All(const std::string& child) const {
   std::vector<const XmlNode*> out;
   for (const auto& c : children)

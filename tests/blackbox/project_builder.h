@@ -156,6 +156,30 @@ class BlackBoxTest : public ::testing::Test {
   std::string extracted_;
 };
 
+// Documents of a hand-written package: a schedule of one entry naming `table` (behind `inner`), a
+// time table naming `program`, a program of `panes` full panes naming PL1 and on (the first
+// `playlist`), a movie item.
+std::string ScheduleXml(Cell name = "S", Cell inner = "", Cell table = "TM1");
+std::string TableXml(Cell program = "PG1");
+std::string ProgramXml(Cell playlist = "PL1", int panes = 1);
+std::string MovieXml(Cell rc, Cell attr = "");
+
+// A hand-written package in src_, packed into zip_ and opened into back_.
+class HandPackageTest : public BlackBoxTest {
+ protected:
+  std::string src_ = scratch_.Sub("src"), back_ = scratch_.Sub("back");
+
+  void Write(const std::string& relative, const std::string& body) {
+    WriteFile(src_ + "/QvFormat/" + relative, "<?xml version=\"1.0\"?>" + body);
+  }
+  // A scenario afresh: the playlist PL1 of `items`, the content CT1.mp4.
+  void Scenario(const std::string& items = MovieXml("CT1"), int panes = 1);
+  RunResult PackAndBack() {
+    RemoveAll(zip_), RemoveAll(back_), ZipFolderContents(src_, zip_);
+    return UnpackageTo(zip_, back_);
+  }
+};
+
 }  // namespace qvtest
 
 #endif  // QV_TESTS_BLACKBOX_PROJECT_BUILDER_H_
