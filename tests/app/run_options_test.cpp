@@ -1,9 +1,6 @@
 // The command line, the display region and the parameter file: what each accepts, sets and
-// refuses; unknown kinds in the dispatch; a full disk while a conversion writes its XML documents,
-// on a disk that the test fills through the Env: the run ends as an unknown failure and delivers
-// nothing; with room the same run packs the sample.
-
-#include <stdexcept>
+// refuses; unknown kinds in the dispatch; a full disk (faked through the Env) while a conversion
+// writes its XML documents: an unknown failure that delivers nothing.
 #include <type_traits>
 
 #include "app/run/parameter_file.h"
@@ -16,6 +13,7 @@
 namespace {
 
 using namespace quorvane::qvconv::converter;
+using qvtest::CodeOf, qvtest::U16, qvtest::U8;
 
 // The table of a command line whose arguments are separated by single spaces.
 ArgumentTable Table(const std::string& line) {
@@ -23,12 +21,12 @@ ArgumentTable Table(const std::string& line) {
   table.slots[0] = u"qvConvApp";
   std::size_t i = 1, at = 0;
   for (std::size_t end; (end = line.find(' ', at)) != line.npos; at = end + 1)
-    table.slots[i++] = qvtest::U16(line.substr(at, end - at));
-  table.slots[i] = qvtest::U16(line.substr(at));
+    table.slots[i++] = U16(line.substr(at, end - at));
+  table.slots[i] = U16(line.substr(at));
   return table;
 }
 
-TEST(OptionValue, QuotesAndBlanks) {
+TEST(CommandLine, OptionValuesQuotesAndBlanks) {
   const std::pair<const char16_t*, const char16_t*> cases[] = {
       {u"-packageout.zip", u"out.zip"},
       {u"-package\"out.zip\"", u"out.zip"},
@@ -39,10 +37,10 @@ TEST(OptionValue, QuotesAndBlanks) {
       {u"-package''", u""},
   };
   for (const auto& [argument, value] : cases)
-    EXPECT_EQ(OptionValue(u"-package", argument), value) << qvtest::U8(argument);
+    EXPECT_EQ(OptionValue(u"-package", argument), value) << U8(argument);
   EXPECT_EQ(OptionValue(u"-td", u"-td\r\n(1,2,3,4)\v\f"), u"(1,2,3,4)");
   for (const char16_t* empty : {u"-package", u"-package\"", u"-package'"})
-    EXPECT_THROW(OptionValue(u"-package", empty), std::out_of_range) << qvtest::U8(empty);
+    EXPECT_THROW(OptionValue(u"-package", empty), std::out_of_range) << U8(empty);
 }
 
 TEST(CommandLine, AcceptedLinesAndRefusalsWithMinusOne) {
@@ -50,22 +48,19 @@ TEST(CommandLine, AcceptedLinesAndRefusalsWithMinusOne) {
   EXPECT_EQ(config.InputPath() + u" " + config.OutputPath(), u"proj out.zip");
   EXPECT_FALSE(config.CheckOnly() || config.Unpackage());
   EXPECT_EQ(config.DisplayRegion().width + config.DisplayRegion().height, 3840 + 2160);
-
   // -check and -unpackage overwrite the output; -checkfile is -check "file".
   config = ParseCommandLine(Table("proj -packagea.zip -checkfile"));
   EXPECT_TRUE(config.CheckOnly());
-  EXPECT_EQ(config.OutputPath(), u"file");
-  EXPECT_EQ(config.CheckPath(), u"file");
+  EXPECT_EQ(config.OutputPath() + config.CheckPath(), u"filefile");
   config = ParseCommandLine(Table("a.zip -checkr.xml -unpackagey"));
-  EXPECT_EQ(config.CheckPath(), u"r.xml");
-  EXPECT_EQ(config.OutputPath(), u"y");
+  EXPECT_EQ(config.CheckPath() + config.OutputPath(), u"r.xmly");
 
   // Refused: an output already set, a second region, -td without a value (not the default
   // region), names in another case, a second parameter or log file, an empty log.
   for (const char* line : {"a -package'", "a -unpackageb -packagea", "a -packagea -packagea",
                            "a -td1,2,3,4 -td1,2,3,4", "a -td", "a -PACKAGEx", "a -paramx -paramy",
                            "a -logx -logy", "a -log''"})
-    EXPECT_EQ(qvtest::CodeOf([&] { ParseCommandLine(Table(line)); }), -1) << line;
+    EXPECT_EQ(CodeOf([&] { ParseCommandLine(Table(line)); }), -1) << line;
 }
 
 // The log is found before the option loop runs: the first -log value, up to an empty argument.
@@ -97,34 +92,23 @@ TEST(DisplayRegion, FieldsAndConversion) {
       {u"\u30001,\u00A02,\u20033,\u200B4", {1, 2, 3, 0}},  // Windows' white space, not U+200B
       {u"", {0, 0, 0, 0}},                                 // empty text changes nothing
   };
-  for (const auto& [text, expected] : cases) EXPECT_EQ(Region(text), expected) << qvtest::U8(text);
+  for (const auto& [text, expected] : cases) EXPECT_EQ(Region(text), expected) << U8(text);
   for (const char16_t* bad : {u"()", u"1,2,3,4,5", u"1,2,3,4,,", u",,,", u"1;2;3;4"})
-    EXPECT_EQ(qvtest::CodeOf([&] { Region(bad); }), -1) << qvtest::U8(bad);
+    EXPECT_EQ(CodeOf([&] { Region(bad); }), -1) << U8(bad);
 }
 
-class ParameterFile : public testing::Test {
- protected:
-  // Reads `text` as a parameter file into a fresh config_; the failure code, or 0.
-  int ReadText(const std::string& text) {
-    const std::string path = scratch_.Sub("param.xml");
-    qvtest::WriteFile(path, text);
-    config_ = QvConvRunConfig();
-    return qvtest::CodeOf([&] { ReadParameterFile(qvtest::U16(path), &config_); });
-  }
-  int Read(const std::string& xml) {
-    return ReadText("<QvConvParameter>" + xml + "</QvConvParameter>");
-  }
+// Reads `text` (wrapped in the root element unless `bare`) as a parameter file into `config`: the
+// failure code, or 0.
+int ReadParameters(const std::string& text, QvConvRunConfig& config, bool bare = false) {
+  qvtest::ScratchDir scratch;
+  qvtest::WriteFile(scratch.Sub("p.xml"),
+                    bare ? text : "<QvConvParameter>" + text + "</QvConvParameter>");
+  config = QvConvRunConfig();
+  return CodeOf([&] { ReadParameterFile(U16(scratch.Sub("p.xml")), &config); });
+}
+
+TEST(ParameterFile, AllowedValuesDefaultsAndFailures) {
   // Input kind, output kind, input archive, output archive, compress.
-  std::vector<int> State() const {
-    return {config_.InputKind(), config_.OutputKind(), config_.InputArchive(),
-            config_.OutputArchive(), config_.Compress()};
-  }
-
-  qvtest::ScratchDir scratch_;
-  QvConvRunConfig config_;
-};
-
-TEST_F(ParameterFile, AllowedValuesDefaultsAndFailures) {
   const std::pair<const char*, std::vector<int>> cases[] = {
       {"", {KindProject, KindCompact, 0, 1, 0}},
       {"<Input format='application/x-qvf-debug' archive='yes'/>"
@@ -133,27 +117,31 @@ TEST_F(ParameterFile, AllowedValuesDefaultsAndFailures) {
       {"<Input format='application/x-qvf' archive='no'/>"
        "<Output format='application/x-qvf-debug' archive='yes' compress='no'/>",
        {KindCompact, KindDebug, 0, 1, 0}},
-      // Later elements win per attribute; an empty value keeps the earlier one;
-      // other elements, nested ones and unknown attributes are passed over.
+      // Later elements win per attribute; an empty value keeps the earlier one; other elements,
+      // nested ones and unknown attributes are passed over.
       {"text<Output format='application/x-qvf-debug' archive='no'/><!-- c --><Other format='bad'/>"
        "<Input unknown='x'/><Output compress='yes' format=''/><Group><Input format='bad'/></Group>",
        {KindProject, KindDebug, 0, 0, 1}},
   };
+  QvConvRunConfig c;
   for (const auto& [xml, state] : cases) {
-    EXPECT_EQ(Read(xml), 0) << xml;
-    EXPECT_EQ(State(), state) << xml;
+    EXPECT_EQ(ReadParameters(xml, c), 0) << xml;
+    EXPECT_EQ(std::vector<int>({c.InputKind(), c.OutputKind(), c.InputArchive(), c.OutputArchive(),
+                                c.Compress()}),
+              state)
+        << xml;
   }
   // Wrong values are -201, unreadable files -300.
   for (const char* xml : {"<Input format='application/x-qvf '/>", "<Input archive='Yes'/>",
                           "<Output format='application/x-QVF'/>", "<Output archive='true'/>"})
-    EXPECT_EQ(Read(xml), -201) << xml;
-  EXPECT_EQ(ReadText("<QvConvParameter version='2.0'/>"), -201);
-  EXPECT_EQ(ReadText("<qvconvparameter/>"), -201);
+    EXPECT_EQ(ReadParameters(xml, c), -201) << xml;
+  EXPECT_EQ(ReadParameters("<QvConvParameter version='2.0'/>", c, true), -201);
+  EXPECT_EQ(ReadParameters("<qvconvparameter/>", c, true), -201);
   // The format is set before a bad compress value stops the read.
-  EXPECT_EQ(Read("<Output format='application/x-qvf-debug' compress='maybe'/>"), -201);
-  EXPECT_EQ(config_.OutputKind(), KindDebug);
-  EXPECT_EQ(Read("<Input>"), -300);
-  EXPECT_EQ(ReadText(""), -300);
+  EXPECT_EQ(ReadParameters("<Output format='application/x-qvf-debug' compress='maybe'/>", c), -201);
+  EXPECT_EQ(c.OutputKind(), KindDebug);
+  EXPECT_EQ(ReadParameters("<Input>", c), -300);
+  EXPECT_EQ(ReadParameters("", c, true), -300);
 }
 
 // The failure codes pass every handler of standard exceptions on their way out.
@@ -171,13 +159,14 @@ TEST(DispatchDeathTest, UnknownKindsEndWith997) {
 // A disk with `room` bytes whose temporary folder is `temp`.
 class SmallDisk : public qvtest::FullDisk {
  public:
-  SmallDisk(std::size_t room, const std::string& temp) : FullDisk(room), temp_(qvtest::U16(temp)) {}
+  SmallDisk(std::size_t room, const std::string& temp) : FullDisk(room), temp_(U16(temp)) {}
   std::u16string TempDirectory() override { return temp_; }
 
  private:
   std::u16string temp_;
 };
 
+// The schedule fits, a later document does not; with room the same run packs the sample.
 TEST(FullDiskDeathTest, XmlDocumentsThatDoNotFitEndAsUnknownFailure) {
   qvtest::ScratchDir scratch;
   const std::string temp = scratch.Sub("temp"), zip = scratch.Sub("out.zip");
@@ -188,7 +177,6 @@ TEST(FullDiskDeathTest, XmlDocumentsThatDoNotFitEndAsUnknownFailure) {
     Dispatch(ParseCommandLine(table));
     std::exit(0);
   };
-  // The schedule fits, a later document does not.
   EXPECT_EXIT(run_on_disk_of(1024), testing::ExitedWithCode(-999 & 0xff), "");
   EXPECT_FALSE(qvtest::Exists(zip));
   EXPECT_EXIT(run_on_disk_of(1 << 20), testing::ExitedWithCode(0), "");
