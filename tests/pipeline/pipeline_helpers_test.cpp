@@ -1,13 +1,28 @@
+// Telops recoded by the byte order mark that starts them, their copies, and the identifiers that
+// may become file names in a package.
 #include "pipeline/package_names.h"
 #include "pipeline/telop_copy.h"
 #include "tests/support/test_support.h"
+#include "workspace/text_conversion.h"
 
 namespace quorvane::qvconv::converter {
 namespace {
 
-using qvtest::Cp932;
-using qvtest::U16;
 using namespace std::string_literals;
+using qvtest::Cp932, qvtest::U16;
+
+// The mark: 1 UTF-16 little-endian, 2 big-endian, 3 UTF-8 (its third byte not looked at), 0 none.
+TEST(TelopRecoding, TheMarkOfAFile) {
+  qvtest::ScratchDir scratch;
+  const std::pair<std::string, int> cases[] = {
+      {"", 0},         {"\xFF", 0},         {"\xFF\xFE", 1},  {"\xFE\xFFrest", 2},
+      {"\xFE\xFE", 0}, {"\xEF\xBB\xBF", 3}, {"\xEF\xBBx", 3}, {"ab", 0}};
+  for (const auto& [bytes, mark] : cases) {
+    qvtest::WriteFile(scratch.Sub("f"), bytes);
+    EXPECT_EQ(ReadByteOrderMark(U16(scratch.Sub("f"))), mark) << bytes;
+  }
+  EXPECT_THROW(ReadByteOrderMark(U16(scratch.Sub("missing"))), std::runtime_error);
+}
 
 TEST(TelopRecoding, TextBecomesUtf8ByItsMark) {
   EXPECT_EQ(TelopAsUtf8("", 0), "");
@@ -26,28 +41,23 @@ TEST(TelopRecoding, TextBecomesUtf8ByItsMark) {
   EXPECT_EQ(TelopAsUtf8(le + "z\0!"s, 1), "z");
 }
 
+// No source: the mark cannot be read, which is a failed copy; a target that cannot be made is
+// passed over, and so is one that fills up.
 TEST(TelopRecoding, CopyFailsOnlyWithoutASource) {
   qvtest::ScratchDir dir;
   qvtest::WriteFile(dir.Sub("t.tlp"), Cp932("速報"));
-  // No source: the mark cannot be read, which is a failed copy.
   EXPECT_THROW(CopyTelopAsText(U16(dir.Sub("missing.tlp")), U16(dir.Sub("x.tlp"))),
                std::runtime_error);
-  // A target that cannot be made is passed over, and so is one that fills up.
   EXPECT_NO_THROW(CopyTelopAsText(U16(dir.Sub("t.tlp")), U16(dir.Sub("no/such/x.tlp"))));
   EXPECT_NO_THROW(CopyTelopAsText(U16(dir.Sub("t.tlp")), u"/dev/full"));
 }
 
-TEST(PackageNames, OnlyPlainNamesBecomePathsAndEachIsListedOnce) {
-  for (const char16_t* good : {u"TM1", u"CT1.mp4", u"..x"})
-    EXPECT_TRUE(IsPlainName(good)) << qvtest::U8(good);
+// Paths that climb or nest, as whole packages give them: tests/blackbox/hostile_package_test.cpp.
+TEST(PackageNames, OnlyPlainNamesBecomePaths) {
+  for (const char16_t* good : {u"TM1", u"CT1.mp4", u"..x"}) EXPECT_TRUE(IsPlainName(good));
   for (const char16_t* bad : {u"", u".", u"..", u"../x", u"a/b", u"a\\b", u"..\\..\\etc"})
     EXPECT_FALSE(IsPlainName(bad)) << qvtest::U8(bad);
   EXPECT_FALSE(IsPlainName(std::u16string(u"a\0b", 3)));
-  EXPECT_EQ(DocumentPath(u"/p/QvT", u"TM1"), u"/p/QvT/TM1.xml");
-  // References in the order of their first use, without repeats.
-  FirstReferenceList list;
-  for (const char16_t* id : {u"TM2", u"TM1", u"TM2", u"", u"TM1", u""}) list.AddOnce(id);
-  EXPECT_EQ(list.items(), (std::vector<std::u16string>{u"TM2", u"TM1", u""}));
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+// The archive tool: the probe of a package, the program's own zips, paths that look like switches.
 #include "workspace/archive_tool.h"
 
 #include <unistd.h>
@@ -7,7 +8,7 @@
 namespace {
 
 using namespace quorvane::qvconv::converter;
-using qvtest::U16;
+using qvtest::StoredZip, qvtest::U16, qvtest::WriteFile;
 
 class ArchiveTool : public testing::Test {
  protected:
@@ -18,6 +19,9 @@ class ArchiveTool : public testing::Test {
     const bool answer = ProbeArchive(U16(zip));
     EXPECT_EQ(qvtest::ListDir(scratch_.Sub("tmp")), std::vector<std::string>{}) << zip;
     return answer;
+  }
+  bool ProbeBytes(const std::string& bytes) {
+    return WriteFile(scratch_.Sub("w.zip"), bytes), Probe(scratch_.Sub("w.zip"));
   }
 
   qvtest::ScratchDir scratch_;
@@ -31,7 +35,7 @@ class ArchiveTool : public testing::Test {
 // names in code page 932, names that would forge a listing, damaged archives.
 TEST_F(ArchiveTool, ProbeAnswersAsAWholeExtractionWould) {
   const std::string outside = scratch_.Sub("outside");
-  qvtest::WriteFile(outside + "/s.xml", "<s/>");
+  WriteFile(outside + "/s.xml", "<s/>");
   const struct {
     std::vector<qvtest::ZipEntry> entries;
     bool package;
@@ -56,37 +60,29 @@ TEST_F(ArchiveTool, ProbeAnswersAsAWholeExtractionWould) {
       {{{"x\nPath = QvFormat/QvS.xml", "<s/>"}, {"QvFormat/", "", 040755}}, false},
       {{{"QvFormat/QvS.xml*", "<s/>"}, {"QvFormat/QvS.xml?", "<s/>"}}, false},
   };
-  for (const auto& c : cases) {
-    qvtest::WriteFile(scratch_.Sub("w.zip"), qvtest::StoredZip(c.entries));
-    EXPECT_EQ(Probe(scratch_.Sub("w.zip")), c.package) << c.entries[0].name;
-  }
+  for (const auto& c : cases)
+    EXPECT_EQ(ProbeBytes(StoredZip(c.entries)), c.package) << c.entries[0].name;
   EXPECT_FALSE(Probe(scratch_.Sub("missing.zip")));
+  EXPECT_FALSE(ProbeBytes("PK\x03\x04 not a zip at all"));
   // A damaged package: cut short, or its marker's bytes spoilt.
-  const std::string zip = qvtest::StoredZip(
-      {{"QvFormat/QvT/TM1.xml", std::string(4000, 't')}, {"QvFormat/QvS.xml", "<s/>"}});
-  qvtest::WriteFile(scratch_.Sub("cut.zip"), zip.substr(0, zip.size() / 2));
-  EXPECT_FALSE(Probe(scratch_.Sub("cut.zip")));
-  qvtest::WriteFile(scratch_.Sub("cut.zip"), zip.substr(0, zip.size() - 30));
-  EXPECT_EQ(Probe(scratch_.Sub("cut.zip")), true);
+  const std::string zip =
+      StoredZip({{"QvFormat/QvT/TM1.xml", std::string(4000, 't')}, {"QvFormat/QvS.xml", "<s/>"}});
   std::string spoilt = zip;
   spoilt[spoilt.find("<s/>")] = 'X';
-  qvtest::WriteFile(scratch_.Sub("spoilt.zip"), spoilt);
-  EXPECT_EQ(Probe(scratch_.Sub("spoilt.zip")), true);
-  qvtest::WriteFile(scratch_.Sub("junk.zip"), "PK\x03\x04 not a zip at all");
-  EXPECT_FALSE(Probe(scratch_.Sub("junk.zip")));
+  EXPECT_FALSE(ProbeBytes(zip.substr(0, zip.size() / 2)));
+  EXPECT_TRUE(ProbeBytes(zip.substr(0, zip.size() - 30)) && ProbeBytes(spoilt));
   // The comment of an archive, which the tool lists as it stands, forges no entry.
-  std::string commented = qvtest::StoredZip({{"QvFormat", "file"}, {"QvFormat/QvS.xml", "<s/>"}});
+  std::string commented = StoredZip({{"QvFormat", "file"}, {"QvFormat/QvS.xml", "<s/>"}});
   const std::string comment = "\n----------\nPath = QvFormat/QvS.xml\nFolder = +\n\n";
   commented[commented.size() - 2] = static_cast<char>(comment.size());
-  qvtest::WriteFile(scratch_.Sub("commented.zip"), commented + comment);
-  EXPECT_FALSE(Probe(scratch_.Sub("commented.zip")));
+  EXPECT_FALSE(ProbeBytes(commented + comment));
 }
 
 // The program's own zips store a name that is not ASCII in UTF-8 with the UTF-8 flag, whatever
 // the locale, and open again as they were.
 TEST_F(ArchiveTool, OwnZipsNameInUtf8) {
   const std::string name = "QvFormat/QvC/ロゴ.png";
-  qvtest::WriteFile(scratch_.Sub("work/" + name), "png");
+  WriteFile(scratch_.Sub("work/" + name), "png");
   for (const char* locale : {"C", "POSIX", ""}) {
     qvtest::EnvOverride all("LC_ALL", locale), lang("LANG", locale);
     qvtest::RemoveAll(scratch_.Sub("own.zip"));
@@ -100,7 +96,7 @@ TEST_F(ArchiveTool, OwnZipsNameInUtf8) {
 
 // Paths that look like switches stay paths.
 TEST_F(ArchiveTool, PackTakesPathsAsPathsAndNeedsTheTool) {
-  qvtest::WriteFile(scratch_.Sub("-work/QvFormat/QvS.xml"), "<s/>");
+  WriteFile(scratch_.Sub("-work/QvFormat/QvS.xml"), "<s/>");
   std::string old(4096, '\0');
   ASSERT_NE(::getcwd(old.data(), old.size()), nullptr);
   ASSERT_EQ(::chdir(scratch_.path().c_str()), 0);
