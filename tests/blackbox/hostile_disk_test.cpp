@@ -26,7 +26,7 @@ class HostileDisk : public BlackBoxTest {
         "unshare", "--mount", "--propagation",           "private", "sh",     "-c",
         mount,     "sh",      std::to_string(kib) + "k", disk_,     QV_BINARY};
     args.insert(args.end(), qv_args.begin(), qv_args.end());
-    return qvtest::Run(args, env);
+    return RunProgram(args, env);
   }
 
   std::string disk_ = scratch_.Sub("disk");
@@ -50,7 +50,7 @@ TEST_F(HostileDisk, WayBackOnDisksOfEverySize) {
         << kib << " KiB: " << r.status << r.output;
     EXPECT_EQ(r.output, "");
   }
-  qvtest::Run({"rm", "-rf", back});
+  RunProgram({"rm", "-rf", back});
   MakeDirs(back);
   const RunResult r = OnSmallDisk(1024, {zip_, "-unpackage" + back}, RunEnv(disk_));
   ASSERT_EQ(r.status, 0) << r.output;

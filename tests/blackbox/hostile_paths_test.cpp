@@ -46,7 +46,7 @@ TEST_F(HostilePaths, JapaneseNamesAndPathsBeyond260And4096Characters) {
   for (int i = 0; deep.size() < 900; ++i)
     deep += "/春のキャンペーン用の長いフォルダ名_" + std::to_string(i);
   MakeDirs(deep + "/戻り先");
-  ASSERT_EQ(qvtest::Run({"cp", "-r", kSample, deep + "/サンプル"}).status, 0);
+  ASSERT_EQ(RunProgram({"cp", "-r", kSample, deep + "/サンプル"}).status, 0);
   there_and_back(deep + "/サンプル", deep + "/パッケージ.zip", deep + "/戻り先", temp_);
   EXPECT_EQ(Unstamped(deep + "/戻り先"), project);
   // The same with the temporary folder itself deep and Japanese.
@@ -62,10 +62,10 @@ TEST_F(HostilePaths, JapaneseNamesAndPathsBeyond260And4096Characters) {
   ASSERT_GE(folder, 0);
   ASSERT_GT(deeper.size(), 4096u);
   const std::string via = "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(folder);
-  ASSERT_EQ(qvtest::Run({"cp", "-r", kSample, via + "/sample"}).status, 0);
+  ASSERT_EQ(RunProgram({"cp", "-r", kSample, via + "/sample"}).status, 0);
   MakeDirs(via + "/back");
   there_and_back(deeper + "/sample", scratch_.Sub("deep.zip"), deeper + "/back", temp_);
-  ASSERT_EQ(qvtest::Run({"cp", "-r", via + "/back", scratch_.Sub("copy")}).status, 0);
+  ASSERT_EQ(RunProgram({"cp", "-r", via + "/back", scratch_.Sub("copy")}).status, 0);
   EXPECT_EQ(Unstamped(scratch_.Sub("copy")), project);
   close(folder);
 }

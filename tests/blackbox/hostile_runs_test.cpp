@@ -17,7 +17,7 @@ TEST_F(HostileRuns, ConversionsChecksAndOpeningsSideBySide) {
   // Each run packs the sample with a telop of its own text, so that another run's files show; the
   // packages to open are made one at a time beforehand.
   for (int i = 0; i < kEach; ++i) {
-    ASSERT_EQ(qvtest::Run({"cp", "-r", kSample, sub("project", i)}).status, 0);
+    ASSERT_EQ(RunProgram({"cp", "-r", kSample, sub("project", i)}).status, 0);
     WriteFile(sub("project", i) + "/contents/お知らせ.tlp",
               Cp932(TelopText(48, 0, {"run " + std::to_string(i)})));
     ASSERT_EQ(RunQv({sub("project", i), "-package" + zip("in", i)}, RunEnv(temp_)).status, 0);

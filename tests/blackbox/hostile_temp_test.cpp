@@ -1,10 +1,15 @@
 // Another user of the machine plants the fixed names of the shared temporary folder before a run:
-// as links to the user's own folder or file, as dangling links, as folders of their own.  Every run
-// that uses the name ends with -3 before it extracts, writes or removes anything, and what the
-// links point to keeps exactly what it held; a run that does not use the name is not disturbed.  A
-// killed probe's leftovers cannot turn a plain archive into a package.
+// as links (to the user's own folder or file, dangling, hard), as folders of their own or that
+// anyone may write, as files others may write, as pipes.  Every run that uses the name ends with
+// -3 before it extracts, writes or removes anything, and what the links point to keeps exactly
+// what it held; a run that does not use the name is not disturbed.  A killed probe's leftovers
+// cannot turn a plain archive into a package.  (The shared folder's own modes:
+// tests/platform/fixed_names_test.cpp.)
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include <filesystem>
 
 #include "tests/blackbox/project_builder.h"
 
@@ -15,12 +20,8 @@ constexpr uid_t kOtherUser = 65534;
 
 enum Way { kOpenPackage, kOpenPlain, kPackage };
 
-struct FixedName {
-  const char* name;
-  std::vector<Way> users;  // the runs that use the name
-};
-
-const FixedName kNames[] = {
+// The fixed names and the runs that use each.
+const std::pair<const char*, std::vector<Way>> kNames[] = {
     {"chktemp", {kOpenPackage, kOpenPlain}},
     {"chktemp.lock", {kOpenPackage, kOpenPlain}},
     {"unzip", {kOpenPackage}},
@@ -28,10 +29,6 @@ const FixedName kNames[] = {
     {"conv", {kOpenPackage}},
     {"QvConv", {kPackage}},
 };
-
-enum Plant { kLinkToFolder, kLinkToFile, kDangling, kOtherUsersFolder, kFolderAnyoneWrites };
-const char* const kPlantNames[] = {"link to a folder", "link to a file", "dangling link",
-                                   "another user's folder", "folder anyone may write"};
 
 class HostileTemp : public BlackBoxTest {
  protected:
@@ -43,14 +40,7 @@ class HostileTemp : public BlackBoxTest {
     WriteFile(victim_file_, "victim");
   }
 
-  bool Plants(Plant plant, const std::string& at) {
-    const std::string targets[] = {victim_, victim_file_, dangling_};  // of the three links
-    if (plant <= kDangling) return ::symlink(targets[plant].c_str(), at.c_str()) == 0;
-    if (plant == kOtherUsersFolder)
-      return ::mkdir(at.c_str(), 0755) == 0 && ::chown(at.c_str(), kOtherUser, -1) == 0;
-    return ::mkdir(at.c_str(), 0700) == 0 && ::chmod(at.c_str(), 0777) == 0;
-  }
-
+  // The kind and inode of what stands under a name, to see that it was left alone.
   std::string Identity(const std::string& path) {
     struct stat st;
     return ::lstat(path.c_str(), &st) != 0
@@ -60,9 +50,8 @@ class HostileTemp : public BlackBoxTest {
 
   // Runs one way with a fresh destination holding old.txt; the exit status.
   int Start(Way run) {
-    RemoveAll(dest_);
+    RemoveAll(dest_), RemoveAll(zip2_);
     WriteFile(dest_ + "/old.txt", "old");
-    RemoveAll(zip2_);
     return (run == kPackage ? RunQv({kSample, "-package" + zip2_}, RunEnv(temp_))
                             : Unpackage(run == kOpenPlain ? plain_ : zip_, dest_))
         .status;
@@ -73,9 +62,6 @@ class HostileTemp : public BlackBoxTest {
     return run == kOpenPlain ? ListDir(dest_) == std::vector<std::string>{"dir/"}
                              : Exists(dest_ + "/old.txt") && FilesBelow(dest_).size() > 10;
   }
-  bool Untouched() {
-    return ListDir(dest_) == std::vector<std::string>{"old.txt"} && !Exists(zip2_);
-  }
 
   std::string plain_ = scratch_.Sub("plain.zip"), zip2_ = scratch_.Sub("again.zip"),
               dest_ = scratch_.Sub("dest");
@@ -84,31 +70,42 @@ class HostileTemp : public BlackBoxTest {
 };
 
 TEST_F(HostileTemp, PlantedNamesEndTheRunsThatUseThemAndTouchNothing) {
-  for (const FixedName& fixed : kNames) {
-    for (const Plant plant :
-         {kLinkToFolder, kLinkToFile, kDangling, kOtherUsersFolder, kFolderAnyoneWrites}) {
-      if (plant == kOtherUsersFolder && ::geteuid() != 0) continue;  // only root can make one
+  const char *victim = victim_.c_str(), *file = victim_file_.c_str();
+  const std::pair<const char*, std::function<bool(const char*)>> plants[] = {
+      {"link to a folder", [&](const char* at) { return ::symlink(victim, at) == 0; }},
+      {"link to a file", [&](const char* at) { return ::symlink(file, at) == 0; }},
+      {"dangling link", [&](const char* at) { return ::symlink(dangling_.c_str(), at) == 0; }},
+      {"hard link to a file", [&](const char* at) { return ::link(file, at) == 0; }},
+      {"folder anyone may write",
+       [](const char* at) { return ::mkdir(at, 0700) == 0 && ::chmod(at, 0777) == 0; }},
+      {"file the group may write",
+       [](const char* at) { return ::close(::creat(at, 0600)) == 0 && ::chmod(at, 0620) == 0; }},
+      {"pipe", [](const char* at) { return ::mkfifo(at, 0600) == 0; }},
+      {"another user's folder",  // only root can make one
+       [](const char* at) {
+         return ::geteuid() != 0 || (::mkdir(at, 0755) == 0 && ::chown(at, kOtherUser, -1) == 0);
+       }},
+  };
+  for (const auto& [name, users] : kNames) {
+    for (const auto& [what, plant] : plants) {
       for (const Way run : {kOpenPackage, kOpenPlain, kPackage}) {
-        const std::string at = temp_ + "/" + fixed.name;
-        RemoveAll(temp_);
-        MakeDirs(temp_);
-        ASSERT_TRUE(Plants(plant, at)) << fixed.name;
+        const std::string at = temp_ + "/" + name;
+        RemoveAll(temp_), MakeDirs(temp_);
+        ASSERT_TRUE(plant(at.c_str())) << name;
         const std::string planted = Identity(at);
-        const bool used =
-            std::find(fixed.users.begin(), fixed.users.end(), run) != fixed.users.end();
+        const bool used = std::find(users.begin(), users.end(), run) != users.end();
         const std::string where =
-            std::string(fixed.name) + " as " + kPlantNames[plant] + ", run " + std::to_string(run);
-
+            std::string(name) + " as " + what + ", run " + std::to_string(run);
+        if (planted == "none") continue;  // not made here
         EXPECT_EQ(Start(run), used ? Status(-3) : 0) << where;
-        EXPECT_TRUE(used ? Untouched() : Delivered(run)) << where;
+        EXPECT_TRUE(used ? ListDir(dest_) == std::vector<std::string>{"old.txt"} && !Exists(zip2_)
+                         : Delivered(run))
+            << where;
         EXPECT_EQ(Identity(at), planted) << where;
-        EXPECT_EQ(ListDir(victim_), std::vector<std::string>{"keep.txt"}) << where;
-        EXPECT_EQ(ReadFile(victim_ + "/keep.txt"), "keep") << where;
+        EXPECT_EQ(Contents(victim_), std::vector<std::string>{"keep.txt=keep"}) << where;
         EXPECT_EQ(ReadFile(victim_file_), "victim") << where;
         EXPECT_FALSE(Exists(dangling_)) << where;
-        if (plant == kOtherUsersFolder || plant == kFolderAnyoneWrites) {
-          EXPECT_TRUE(ListDir(at).empty()) << where;
-        }
+        EXPECT_TRUE(!IsDir(at) || std::filesystem::is_symlink(at) || ListDir(at).empty()) << where;
       }
     }
   }
@@ -117,37 +114,38 @@ TEST_F(HostileTemp, PlantedNamesEndTheRunsThatUseThemAndTouchNothing) {
 // The same as it happens between two users: the program runs as an unprivileged user, and the
 // folder that stands under a fixed name is root's.
 TEST_F(HostileTemp, AnUnprivilegedRunRefusesRootsFolder) {
-  if (::geteuid() != 0 || qvtest::Run({"setpriv", "--version"}).status != 0)
+  if (::geteuid() != 0 || RunProgram({"setpriv", "--version"}).status != 0)
     GTEST_SKIP() << "needs root and setpriv";
   ASSERT_EQ(::chmod(scratch_.path().c_str(), 0755), 0);
   ASSERT_EQ(::chmod(temp_.c_str(), 01777), 0);
   MakeDirs(dest_);
   ASSERT_EQ(::chown(dest_.c_str(), kOtherUser, kOtherUser), 0);
   auto open_as_other = [&] {
-    return qvtest::Run({"setpriv", "--reuid=" + std::to_string(kOtherUser),
-                        "--regid=" + std::to_string(kOtherUser), "--clear-groups", QV_BINARY,
-                        plain_, "-unpackage" + dest_},
-                       RunEnv(temp_));
+    const std::string id = std::to_string(kOtherUser);
+    return RunProgram({"setpriv", "--reuid=" + id, "--regid=" + id, "--clear-groups", QV_BINARY,
+                       plain_, "-unpackage" + dest_},
+                      RunEnv(temp_))
+        .status;
   };
-  EXPECT_EQ(open_as_other().status, 0);
+  EXPECT_EQ(open_as_other(), 0);
   EXPECT_EQ(ReadFile(dest_ + "/dir/file.txt"), "plain");
   MakeDirs(temp_ + "/chktemp");
   WriteFile(dest_ + "/old.txt", "old");
-  EXPECT_EQ(open_as_other().status, Status(-3));
+  EXPECT_EQ(open_as_other(), Status(-3));
   EXPECT_TRUE(Exists(dest_ + "/old.txt"));
   EXPECT_TRUE(ListDir(temp_ + "/chktemp").empty());
 }
 
 // The probe folder is not cleared before a probe: a marker that a killed probe left there makes
-// the next plain archive a package, which then has no documents (-300). The probe removes
-// everything afterwards, names that are not UTF-8 and locked folders included, so the run after
-// that is right again.
+// the next plain archive a package, which then has no documents (-300; its unzip folder stays, as
+// a failed run's does).  The probe removes everything afterwards, names that are not UTF-8 and
+// locked folders included, so the run after that is right again.
 TEST_F(HostileTemp, KilledProbesLeftoversCountOnceAndAreThenRemoved) {
   WriteFile(temp_ + "/chktemp/QvFormat/QvS.xml", "<QvS/>");
   WriteFile(temp_ + "/chktemp/QvFormat/QvT/\xff\xfe.xml", "");
   ::chmod((temp_ + "/chktemp/QvFormat/QvT").c_str(), 0500);
   ASSERT_EQ(::chmod((temp_ + "/chktemp").c_str(), 0700), 0);
-  EXPECT_EQ(Start(kOpenPlain), Status(-300));  // its unzip folder stays, as a failed run's does
+  EXPECT_EQ(Start(kOpenPlain), Status(-300));
   EXPECT_FALSE(Exists(temp_ + "/chktemp"));
   EXPECT_EQ(Start(kOpenPlain), 0);
   EXPECT_TRUE(Delivered(kOpenPlain));

@@ -208,7 +208,7 @@ XmlNode ParseXml(const std::string& path) {
 }
 
 void Unzip(const std::string& zip, const std::string& folder) {
-  ASSERT_EQ(Run({"7za", "x", "-y", zip, "-o" + folder}).status, 0) << zip;
+  ASSERT_EQ(RunProgram({"7za", "x", "-y", zip, "-o" + folder}).status, 0) << zip;
 }
 
 std::string ExitLine(const std::string& log) {

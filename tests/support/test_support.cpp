@@ -142,7 +142,7 @@ std::string U8(std::u16string_view text) {
   return Convert(bytes, "UTF-8", "UTF-16LE");
 }
 
-RunResult Run(const std::vector<std::string>& args, const std::vector<std::string>& env) {
+RunResult RunProgram(const std::vector<std::string>& args, const std::vector<std::string>& env) {
   RunResult result;
   auto key = [](const std::string& entry) { return entry.substr(0, entry.find('=')); };
   std::vector<std::string> env_strings, argv_strings(args);
@@ -196,7 +196,7 @@ RunResult Run(const std::vector<std::string>& args, const std::vector<std::strin
 RunResult RunQv(const std::vector<std::string>& args, const std::vector<std::string>& env) {
   std::vector<std::string> full{QV_BINARY};
   full.insert(full.end(), args.begin(), args.end());
-  return Run(full, env);
+  return RunProgram(full, env);
 }
 
 // The stamp of a written project name: "YYYYMMDD_hhmmss".
@@ -234,13 +234,13 @@ void ZipFolderContents(const std::string& folder, const std::string& zip) {
   std::string abs_zip = fs::absolute(zip).string();
   std::string saved = fs::current_path().string();
   fs::current_path(folder);
-  RunResult r = Run({"7za", "a", "-r", "-tzip", abs_zip, "*"});
+  RunResult r = RunProgram({"7za", "a", "-r", "-tzip", abs_zip, "*"});
   fs::current_path(saved);
   ASSERT_EQ(r.status, 0) << r.output;
 }
 
 std::vector<std::string> ZipMembers(const std::string& zip) {
-  RunResult r = Run({"7za", "l", "-slt", "-ba", zip});
+  RunResult r = RunProgram({"7za", "l", "-slt", "-ba", zip});
   std::vector<std::string> names;
   std::istringstream lines(r.output);
   std::string line;

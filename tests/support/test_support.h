@@ -66,7 +66,8 @@ struct RunResult {
 
 // Runs a program (args[0], searched in PATH) to its end, with "NAME=value" entries added to (or
 // replacing those of) the environment.  RunQv runs the built qvConvApp.
-RunResult Run(const std::vector<std::string>& args, const std::vector<std::string>& env = {});
+RunResult RunProgram(const std::vector<std::string>& args,
+                     const std::vector<std::string>& env = {});
 RunResult RunQv(const std::vector<std::string>& args, const std::vector<std::string>& env = {});
 
 // Every stamp "YYYYMMDD_hhmmss" of a written project name replaced by `with`;
