@@ -215,9 +215,14 @@ std::string FirstStamp(const std::string& text) {
 }
 
 std::string EraseAll(std::string text, const std::vector<std::string>& pieces) {
-  for (const std::string& piece : pieces)
-    for (std::size_t at; (at = text.find(piece)) != std::string::npos;)
-      text.erase(at, piece.size());
+  for (const std::string& piece : pieces) text = Replaced(text, piece, "");
+  return text;
+}
+
+std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+  for (std::size_t at = 0; !from.empty() && (at = text.find(from, at)) != std::string::npos;
+       at += to.size())
+    text.replace(at, from.size(), to);
   return text;
 }
 

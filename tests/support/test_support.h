@@ -74,8 +74,9 @@ RunResult RunQv(const std::vector<std::string>& args, const std::vector<std::str
 // the first one in `text` (empty if none).
 std::string ReplaceStamps(std::string text, const std::string& with);
 std::string FirstStamp(const std::string& text);
-// `text` without any of the pieces.
+// `text` without any of the pieces; with every `from` replaced by `to`.
 std::string EraseAll(std::string text, const std::vector<std::string>& pieces);
+std::string Replaced(std::string text, const std::string& from, const std::string& to);
 
 // The 8-bit status a POSIX caller sees for one of our exit codes.
 inline int Status(int code) { return code & 0xff; }
