@@ -1,5 +1,6 @@
 // Whole runs of `qvConvApp <project> -check<report>` (and -td<region>): exit codes 0, 1 and 2, and
 // the report.
+#include <tuple>
 
 #include "tests/blackbox/project_builder.h"
 
@@ -13,44 +14,39 @@ std::string Findings(const XmlNode& report, const std::vector<int>& texts = {}) 
   int n = 0;
   for (const XmlNode* data : report.At("CheckResult").All("CheckData")) {
     for (const XmlNode* r : data->All("Result")) {
+      const bool text = std::find(texts.begin(), texts.end(), n++) != texts.end();
       out += data->Attr("kind") + " " + r->Attr("id") + " " + r->Attr("kind") + " " +
-             r->Attr("pane") + " " + r->Attr("file");
-      out +=
-          (std::find(texts.begin(), texts.end(), n++) != texts.end() ? ": " + r->text : "") + "\n";
+             r->Attr("pane") + " " + r->Attr("file") + (text ? ": " + r->text : "") + "\n";
     }
   }
   return out;
 }
 
-class CheckReport : public BlackBoxTest {};
+using CheckReport = BlackBoxTest;
 
+// No finding, no report; warnings only: 1, and the work folder is removed; an error leaves it.  The
+// language attribute is constant; a CheckData for every checked file, named as the project folder
+// and a backslash and the name.  The interrupt files are checked after the time tables, with one
+// finding however many there are.
 TEST_F(CheckReport, ScheduleFindingsOutcomesAndReport) {
   BuildTimeTableProject(p_);
   EXPECT_EQ(Check().status, 0);
-  EXPECT_FALSE(Exists(report_)) << "no finding, no report";
+  EXPECT_FALSE(Exists(report_));
   EXPECT_TRUE(WorkFolders(temp_).empty());
 
   p_.Schedule({ScheduleEntry(DateFromToday(-2), "TimeTable_a.csv", "true"),
                ScheduleEntry("2035/01/02", "時間表b.csv")});
   EXPECT_EQ(Check().status, 1);
-  EXPECT_TRUE(WorkFolders(temp_).empty()) << "warnings only: the work folder is removed";
-  // The language attribute is constant; a CheckData for every checked file,
-  // named as the project folder and a backslash and the name.
-  std::string outline = Outline(Report());
-  for (size_t at; (at = outline.find(project_)) != std::string::npos;)
-    outline.replace(at, project_.size(), "P");
-  EXPECT_EQ(outline,
-            "QvConvCheck language=ja version=1.0\n CheckInfo\n  Checker version=1.0\n  "
-            "CheckFileInfo src=P\n"
-            "   CheckFile src=P\\Schedule.csv\n   CheckFile src=P\\TimeTable_a.csv\n"
-            "   CheckFile src=P\\時間表b.csv\n"
+  EXPECT_TRUE(WorkFolders(temp_).empty());
+  EXPECT_EQ(Replaced(Outline(Report()), project_, "P"),
+            "QvConvCheck language=ja version=1.0\n CheckInfo\n  Checker version=1.0\n"
+            "  CheckFileInfo src=P\n   CheckFile src=P\\Schedule.csv\n"
+            "   CheckFile src=P\\TimeTable_a.csv\n   CheckFile src=P\\時間表b.csv\n"
             " CheckResult\n  CheckData kind=schedule src=P\\Schedule.csv\n"
             "   Result id=SC0301 kind=W: There is a schedule in the past. Does not play.\n"
             "  CheckData kind=timetable src=P\\TimeTable_a.csv\n"
             "  CheckData kind=timetable src=P\\時間表b.csv\n");
 
-  // The interrupt files are checked after the time tables, with one finding
-  // however many there are; an error leaves the work folder.
   p_.File("Interrupt_1.csv", "anything"), p_.File("Interrupt_2.csv", "");
   RemoveAll(report_);
   EXPECT_EQ(Check().status, 2);
@@ -58,98 +54,88 @@ TEST_F(CheckReport, ScheduleFindingsOutcomesAndReport) {
   EXPECT_EQ(Findings(Report(), {1}),
             "schedule SC0301 W  \ninterrupt EP0000 E  : Not support the special program table.\n");
   const std::string files = Outline(Report().At("CheckInfo"));  // one interrupt file, the last
-  EXPECT_EQ(files.find("CheckFile src=" + project_ + "\\Interrupt_"), files.rfind("CheckFile"))
-      << files;
+  EXPECT_EQ(files.find("CheckFile src=" + project_ + "\\Interrupt_"), files.rfind("CheckFile"));
 }
 
-// The program must fit the display region given with -td and start at its corner.
+// The program must fit the display region given with -td and start at its corner; a turned
+// display fits.
 TEST_F(CheckReport, ProgramAgainstTheDisplayRegion) {
-  // The program and its one pane, the region, the findings.
-  const struct {
-    int x, y, pane_x, pane_y, width, height;
-    std::string region, findings;
-  } cases[] = {
-      {0, 0, 0, 0, 1920, 1080, "(0,0,1920,1080)", ""},
-      {0, 0, 0, 0, 1920, 1080, "(0,0,1280,720)", "program PG0501 E  \nprogram PG1301 W  \n"},
-      {0, 0, 0, 0, 1080, 1920, "0,0,1920,1080", ""},  // a turned display fits
-      {100, 100, 100, 100, 800, 600, "(100,100,800,600)", ""},
+  const std::tuple<int, int, int, int, std::string, std::string> cases[] = {
+      {0, 0, 1920, 1080, "(0,0,1920,1080)", ""},
+      {0, 0, 1920, 1080, "(0,0,1280,720)", "program PG0501 E  \nprogram PG1301 W  \n"},
+      {0, 0, 1080, 1920, "0,0,1920,1080", ""},
+      {100, 100, 800, 600, "(100,100,800,600)", ""},
   };
   p_.Playlist("Program_1", 1, {MovieItem("a.mp4")});
   p_.Content("a.mp4", "a");
-  for (const auto& c : cases) {
-    ProgramShape shape;
-    shape.x = c.x, shape.y = c.y, shape.width = c.width, shape.height = c.height;
-    shape.panes = {Pane{1, c.pane_x, c.pane_y, c.width, c.height}};
-    p_.OneProgram("Program_1", shape);
+  for (const auto& [x, y, width, height, region, findings] : cases) {
+    p_.OneProgram("Program_1", {.x = x,
+                                .y = y,
+                                .width = width,
+                                .height = height,
+                                .panes = {Pane{1, x, y, width, height}}});
     RemoveAll(report_);
-    EXPECT_EQ(RunQv({project_, "-check" + report_, "-td" + c.region}, RunEnv(temp_)).status,
-              c.findings.empty() ? 0 : 2)
-        << c.region;
-    EXPECT_EQ(Exists(report_) ? Findings(Report()) : "", c.findings) << c.region;
+    EXPECT_EQ(RunQv({project_, "-check" + report_, "-td" + region}, RunEnv(temp_)).status,
+              findings.empty() ? 0 : 2)
+        << region;
+    EXPECT_EQ(Exists(report_) ? Findings(Report()) : "", findings) << region;
   }
 }
 
-// One program of given frame and telop playlists, three levels down: a check-only run looks
-// for a telop seven folder levels above the contents file, so it is also in <scratch>/contents.
+// One program of given frame and telop playlists, three levels down: a check-only run looks for a
+// telop seven folder levels above the contents file, so it is also in <scratch>/contents.
 class CheckProgram : public BlackBoxTest {
  protected:
   std::string deep_ = scratch_.Sub("d1/d2/d3/project");
   ProjectBuilder deep_p_{deep_};
 
-  void Build(const std::vector<Pane>& panes, const std::vector<Item>& frame, int telop_font = 40) {
-    deep_p_.OneProgram("Program_1", ProgramShape{.panes = panes});
+  void Build(const std::vector<Item>& frame, const std::vector<Item>& telops, int telop_font = 40) {
+    deep_p_.OneProgram("Program_1",
+                       {.panes = {Pane{1, 0, 0, 1920, 980}, Pane{5, 0, 980, 1920, 100}}});
     deep_p_.Playlist("Program_1", 1, frame);
+    deep_p_.Playlist("Program_1", 5, telops);
     for (const char* name : {"a.mp4", "b.png", "c.jpg"}) deep_p_.Content(name, name);
     const std::string telop = Cp932(TelopText(telop_font, 0, {"telop"}));
     deep_p_.Content("t.tlp", telop);
     WriteFile(scratch_.Sub("contents/t.tlp"), telop);
   }
-  const std::vector<Pane> frame_and_telop_ = {Pane{1, 0, 0, 1920, 980}, Pane{5, 0, 980, 1920, 100}};
-
   std::string CheckDeep(int expected_status, const std::vector<int>& texts = {}) {
-    RunResult r = Check(deep_);
-    EXPECT_EQ(r.status, expected_status) << r.output;
+    EXPECT_EQ(Check(deep_).status, expected_status);
     return Exists(report_) ? Findings(Report(), texts) : "";
   }
 };
 
+// A conversion finds the telop in the project's own contents folder; a check-only run that cannot
+// open it seven levels up stops at once: code 0, no report.
 TEST_F(CheckProgram, CleanProgramAndItsTelopSevenLevelsUp) {
-  Build(frame_and_telop_, {MovieItem("a.mp4"), ImageItem("b.png", "258", "500"), BlankItem()});
-  deep_p_.Playlist("Program_1", 5, {TelopItem("t.tlp")});
+  Build({MovieItem("a.mp4"), ImageItem("b.png", "258", "500"), BlankItem()}, {TelopItem("t.tlp")});
   EXPECT_EQ(CheckDeep(0), "");
-  // A conversion finds the telop in the project's own contents folder.
   EXPECT_EQ(Package(deep_).status, 0);
-  // A check-only run that cannot open it there stops at once: code 0, no report.
   RemoveAll(scratch_.Sub("contents/t.tlp"));
   EXPECT_EQ(CheckDeep(0), "");
   EXPECT_TRUE(WorkFolders(temp_).empty());
 }
 
+// All of kind contentsinfo.  The first wmv is silenced by the extension finding; the URL has no
+// backslash, and no file.
 TEST_F(CheckProgram, ContentFindingsCarryPaneAndFile) {
   Item transparent = ImageItem("b.png"), moved = MovieItem("a.mp4"), attached = MovieItem("a.mp4");
   Item wmv = MovieItem("clip.wmv"), url = MovieItem("x"), telop = TelopItem("t.tlp");
-  transparent.color = telop.color = "", moved.frame_move = "0",
+  transparent.color = telop.color = "", moved.frame_move = "0";
   attached.extra = {{"..\\contents\\extra.txt"}};
-  wmv.kind = "2", url.path_cell = "http://example.com/a.wmv",
-  url.kind = "3";  // the first silenced by the extension finding; the URL: no backslash, no file
-  Build(frame_and_telop_,
-        {transparent, ImageItem("c.jpg", "15"), moved, attached, wmv, MovieItem("tool.exe"), url,
+  wmv.kind = "2", url.path_cell = "http://example.com/a.wmv", url.kind = "3";
+  Build({transparent, ImageItem("c.jpg", "15"), moved, attached, wmv, MovieItem("tool.exe"), url,
          BlankItem("7")},
-        201);
-  deep_p_.Playlist("Program_1", 5, {telop});
-  std::string found = CheckDeep(2, {1, 7, 8});
-  for (size_t at; (at = found.find("contentsinfo ")) != std::string::npos;) found.erase(at, 13);
+        {telop}, 201);
   EXPECT_EQ(
-      found,
+      EraseAll(CheckDeep(2, {1, 7, 8}), {"contentsinfo "}),
       "CHECK_COLOR E 1 b.png\n"
       "CI1401 E 1 c.jpg: Not support display effect on the \"circle\". Please modify the setting "
-      "at content "
-      "property screen.\n"
+      "at content property screen.\n"
       "CI1700 E 1 a.mp4\nCI1800 E 1 a.mp4\nCI1900 E 1 a.mp4\nCI2000 E 1 a.mp4\nCI2200 E 1 a.mp4\n"
       "CI0100 E 1 clip.wmv: Not support the content of the extension (.wmv).\n"
       "CI0100 E 1 tool.exe: Specifying the executable file is not supported.\n"
-      "CI0204 E 1 \nCI0211 E 1 \nCI2300 E 5 t.tlp\nCHECK_COLOR E 5 t.tlp\n")
-      << "all of kind contentsinfo";
+      "CI0204 E 1 \nCI0211 E 1 \nCI2300 E 5 t.tlp\nCHECK_COLOR E 5 t.tlp\n");
 }
 
 }  // namespace
