@@ -1,14 +1,11 @@
 #include "tests/support/test_support.h"
 
 #include <iconv.h>
-#include <spawn.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <cerrno>
-#include <cstdlib>
+#include <cstdio>
 #include <cstring>
 #include <ctime>
 #include <filesystem>
@@ -16,8 +13,6 @@
 #include <initializer_list>
 #include <regex>
 #include <sstream>
-
-extern char** environ;
 
 namespace qvtest {
 namespace fs = std::filesystem;
@@ -143,53 +138,18 @@ std::string U8(std::u16string_view text) {
 }
 
 RunResult RunProgram(const std::vector<std::string>& args, const std::vector<std::string>& env) {
+  // Through the shell and env(1), which sets the entries (PATH among them, also for the search),
+  // every word quoted whole; standard error joins standard output.
+  std::string command = "exec env --";
+  for (const auto* words : {&env, &args})
+    for (const std::string& word : *words) command += " '" + Replaced(word, "'", "'\\''") + "'";
   RunResult result;
-  auto key = [](const std::string& entry) { return entry.substr(0, entry.find('=')); };
-  std::vector<std::string> env_strings, argv_strings(args);
-  for (char** e = environ; *e; ++e)  // the given entries replace those of the same name
-    if (std::none_of(env.begin(), env.end(),
-                     [&](const std::string& x) { return key(x) == key(*e); }))
-      env_strings.push_back(*e);
-  env_strings.insert(env_strings.end(), env.begin(), env.end());
-  auto pointers = [](std::vector<std::string>& strings) {
-    std::vector<char*> out;
-    for (auto& s : strings) out.push_back(s.data());
-    out.push_back(nullptr);
-    return out;
-  };
-  std::vector<char*> envp = pointers(env_strings), argv = pointers(argv_strings);
-
-  int pipefd[2];
-  if (::pipe(pipefd) != 0) return result;
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_adddup2(&actions, pipefd[1], 1);
-  posix_spawn_file_actions_adddup2(&actions, pipefd[1], 2);
-  posix_spawn_file_actions_addclose(&actions, pipefd[0]);
-  pid_t pid = 0;
-  int rc;
-  {
-    // An environment that changes PATH must also be the one searched.
-    std::optional<EnvOverride> path;
-    for (const auto& e : env)
-      if (key(e) == "PATH") path.emplace("PATH", e.substr(5));
-    rc = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), envp.data());
-  }
-  posix_spawn_file_actions_destroy(&actions);
-  ::close(pipefd[1]);
-  if (rc != 0) {
-    ::close(pipefd[0]);
-    result.output = std::string("spawn failed: ") + std::strerror(rc);
-    return result;
-  }
+  FILE* pipe = ::popen((command + " 2>&1").c_str(), "r");
   char buffer[4096];
-  ssize_t n;
-  while ((n = ::read(pipefd[0], buffer, sizeof buffer)) > 0) result.output.append(buffer, n);
-  ::close(pipefd[0]);
-  int status = 0;
-  while (::waitpid(pid, &status, 0) < 0 && errno == EINTR) {
-  }
-  if (WIFEXITED(status)) result.status = WEXITSTATUS(status);
+  for (std::size_t n; pipe && (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;)
+    result.output.append(buffer, n);
+  const int status = pipe ? ::pclose(pipe) : -1;
+  if (status != -1 && WIFEXITED(status)) result.status = WEXITSTATUS(status);
   return result;
 }
 
@@ -236,26 +196,16 @@ std::string DateFromToday(int days) {
 
 void ZipFolderContents(const std::string& folder, const std::string& zip) {
   // 7za stores entries relative to the current folder when given "*".
-  std::string abs_zip = fs::absolute(zip).string();
-  std::string saved = fs::current_path().string();
-  fs::current_path(folder);
-  RunResult r = RunProgram({"7za", "a", "-r", "-tzip", abs_zip, "*"});
-  fs::current_path(saved);
+  const RunResult r = RunProgram(
+      {"sh", "-c", "cd \"$0\" && 7za a -r -tzip \"$1\" '*'", folder, fs::absolute(zip).string()});
   ASSERT_EQ(r.status, 0) << r.output;
 }
 
 std::vector<std::string> ZipMembers(const std::string& zip) {
-  RunResult r = RunProgram({"7za", "l", "-slt", "-ba", zip});
+  std::istringstream lines(RunProgram({"7za", "l", "-slt", "-ba", zip}).output);
   std::vector<std::string> names;
-  std::istringstream lines(r.output);
-  std::string line;
-  while (std::getline(lines, line)) {
-    if (line.rfind("Path = ", 0) == 0) {
-      std::string name = line.substr(7);
-      std::replace(name.begin(), name.end(), '\\', '/');
-      names.push_back(name);
-    }
-  }
+  for (std::string line; std::getline(lines, line);)
+    if (line.rfind("Path = ", 0) == 0) names.push_back(Replaced(line.substr(7), "\\", "/"));
   std::sort(names.begin(), names.end());
   return names;
 }
