@@ -1,8 +1,10 @@
 // The system layer: UTF-8 and UTF-16, files and folders (also what is no file), reads of any
-// size, started programs and their output, the temporary folder and the user's locale.
+// size, folders made ahead, started programs and their output, the temporary folder and the
+// user's locale.
 #include <sys/stat.h>
 
 #include "platform/file_system.h"
+#include "platform/folders_ahead.h"
 #include "platform/process.h"
 #include "platform/system_info.h"
 #include "platform/text_codec.h"
@@ -81,6 +83,25 @@ TEST(FileSystem, WholeFilesAndPrefixesOfAnySize) {
   EXPECT_EQ(back, std::string(70000, 'y'));
 }
 
+// Folders made ahead on a thread of their own: each is known made only once it is there, what was
+// there already counts as made, and nothing behind the first failure is made.
+TEST(FoldersAhead, MakesInOrderAndStopsAtTheFirstFailure) {
+  qvtest::ScratchDir dir;
+  qvtest::WriteFile(dir.Sub("file"), "x");
+  qvtest::MakeDirs(dir.Sub("folder"));
+  {
+    // "file" and "folder" are there already; "a/b" is not a single name, so "late" must not come.
+    FoldersAhead ahead(qvtest::U16(dir.path()),
+                       {u"PG1", u"file", u"folder", u"PG2", u"a/b", u"late"});
+    for (std::size_t i = 0; i < 7; ++i) EXPECT_EQ(ahead.Wait(i), i < 4) << i;
+  }
+  EXPECT_TRUE(qvtest::IsDir(dir.Sub("PG1")) && qvtest::IsDir(dir.Sub("PG2")));
+  EXPECT_FALSE(qvtest::Exists(dir.Sub("late")));
+  // A parent that cannot be opened fails the first.
+  for (const std::string& parent : {dir.Sub("missing"), dir.Sub("file")})
+    EXPECT_FALSE(FoldersAhead(qvtest::U16(parent), {u"PG1"}).Wait(0)) << parent;
+}
+
 // Start and exit status; the standard output is read while the program runs, also when it is
 // more than a pipe holds; the other streams stay silent; a program that cannot start gives nothing.
 TEST(Process, ReportsStartExitAndTheStandardOutput) {
@@ -96,7 +117,7 @@ TEST(Process, ReportsStartExitAndTheStandardOutput) {
   EXPECT_FALSE(RunProcess({}, out).started);
 }
 
-// The name of a new identifier: tests/workspace/work_folder_test.cpp.
+// The name of a new identifier: tests/workspace/file_tree_test.cpp.
 TEST(SystemInfo, TempFolderAndLocale) {
   qvtest::EnvOverride temp("TMPDIR", "/var/tmp");
   EXPECT_EQ(TempDirectory(), u"/var/tmp/");

@@ -1,8 +1,7 @@
 // Paths taken as Windows takes them on NTFS: the cleanup of the text, names compared without regard
-// to case, what a listing gives and in which order, and what copies keep.
-#include <fcntl.h>
-#include <sys/stat.h>
-
+// to case, what a listing gives and in which order.  What copies keep: the times through whole
+// runs (tests/blackbox/windows_projects_test.cpp), the read-only flag through moves
+// (tests/workspace/file_tree_test.cpp).
 #include "platform/file_system.h"
 #include "platform/ntfs_names.h"
 #include "platform/win32_path.h"
@@ -128,25 +127,6 @@ TEST(WindowsLookup, ListingOrderAndWhatWindowsCannotName) {
             "x x.(no) z _x é ｚ ");
   std::sort(sorted.begin(), sorted.end(), [](auto& a, auto& b) { return NtfsLess(a, b); });
   EXPECT_EQ(sorted, names);
-}
-
-TEST(WindowsLookup, CopyKeepsLastWriteTimeAndReadOnlyFlag) {
-  ScratchDir dir;
-  qvtest::WriteFile(dir.Sub("src.mp4"), "movie");
-  qvtest::WriteFile(dir.Sub("rw.png"), "image");
-  const struct timespec when[2] = {{1600000000, 0}, {1614834368, 500000000}};
-  ASSERT_EQ(::utimensat(AT_FDCWD, dir.Sub("src.mp4").c_str(), when, 0), 0);
-  ASSERT_EQ(::chmod(dir.Sub("src.mp4").c_str(), 0444), 0);
-  ASSERT_TRUE(CopyFile(U16(dir.Sub("src.mp4")), U16(dir.Sub("CT1.mp4"))));
-  ASSERT_TRUE(CopyFile(U16(dir.Sub("rw.png")), U16(dir.Sub("CT2.png"))));
-  struct stat copy, plain;
-  ASSERT_EQ(::stat(dir.Sub("CT1.mp4").c_str(), &copy), 0);
-  EXPECT_EQ(copy.st_mtim.tv_sec, 1614834368);
-  EXPECT_EQ(copy.st_mtim.tv_nsec, 500000000);
-  EXPECT_EQ(copy.st_mode & 0222, 0u);
-  ASSERT_EQ(::stat(dir.Sub("CT2.png").c_str(), &plain), 0);
-  EXPECT_NE(plain.st_mode & 0200, 0u);
-  EXPECT_EQ(qvtest::ReadFile(dir.Sub("CT1.mp4")), "movie");
 }
 
 }  // namespace
