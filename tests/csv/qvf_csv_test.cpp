@@ -1,6 +1,7 @@
 // Project CSV files: the byte syntax (splitting, escapes, line ends, the line limit, code page 932
 // both ways, failure codes); schedules, time tables, programs, playlists and contents as the
-// reader takes and the writer writes them; numbering of identifiers, file and folder names.
+// reader takes them; numbering of identifiers, file and folder names.  The files the writer makes
+// on the way back: tests/blackbox/roundtrip_test.cpp.
 #include "csv/qv_csv_file.h"
 #include "csv/qvf_csv_index.h"
 #include "csv/qvf_read_csv.h"
@@ -77,49 +78,11 @@ TEST(CsvFileWrite, ExactBytesRoundTripAndFailures) {
   EXPECT_EQ(CodeOf([&] { in.ReadFile(U16(dir.Sub("missing.csv"))); }), -101);
   EXPECT_EQ(CodeOf([&] { in.ReadFile(U16(dir.path())); }), -101);
   EXPECT_EQ(CodeOf([&] { out.WriteFile(U16(dir.Sub("no/such/folder.csv"))); }), -3);
-  // A file that cannot be made is -3; one that a full disk cuts short counts as written, since the
-  // stream's failures are not looked at.
-  std::optional<qvtest::ReadOnlyDisk> read_only(std::in_place);
-  EXPECT_EQ(CodeOf([&] { out.WriteFile(U16(dir.Sub("a.csv"))); }), -3);
-  read_only.reset();
-  EXPECT_FALSE(qvtest::Exists(dir.Sub("a.csv")));
+  // A file that a full disk cuts short counts as written: the stream's failures are not looked at.
   qvtest::FullDisk disk(2);
   EXPECT_EQ(CodeOf([&] { out.WriteFile(U16(dir.Sub("b.csv"))); }), 0);
   EXPECT_TRUE(disk.full());
   EXPECT_EQ(ReadFile(dir.Sub("b.csv")), "");
-}
-
-// While reads are shared, the bytes of the last file read serve the next read of the same path
-// once; another path, a failed read or the end of the sharing lets the file be read again.
-TEST(CsvFileRead, SharedReadsServeTheNextReadOfTheSamePathOnce) {
-  qvtest::ScratchDir dir;
-  const std::string a = dir.Sub("a.csv");
-  WriteFile(dir.Sub("b.csv"), "b\r\n");
-  // Writes `now` into a.csv first ("-": removes it, "": neither); the first field of `path`.
-  const auto read = [&](const char* now, const std::string& path) {
-    if (*now) *now == '-' ? qvtest::RemoveAll(a) : WriteFile(a, now + std::string("\r\n"));
-    QvCsvFile file;
-    return U8(CodeOf([&] { file.ReadFile(U16(path)); }) ? u"!" : file.GetFirstField(0));
-  };
-  std::string seen;
-  {
-    QvCsvFile::SharedReads shared;
-    // The checker's bytes are taken by the reader, once; another file may come in between, and
-    // the file may go between two reads.
-    for (const auto& [now, path] :
-         std::vector<std::pair<const char*, std::string>>{{"1", a},
-                                                          {"2", a},
-                                                          {"", a},
-                                                          {"3", dir.Sub("b.csv")},
-                                                          {"", a},
-                                                          {"-", a},
-                                                          {"", a},
-                                                          {"4", a}})
-      seen += read(now, path);
-    WriteFile(a, "5\r\n");
-  }
-  seen += read("", a);  // nothing is kept once the sharing has ended
-  EXPECT_EQ(seen + read("6", a), "112b33!456");
 }
 
 // The add form numbers new keys, the plain form enters an empty one.
@@ -220,27 +183,6 @@ TEST_F(CsvScheduleTimeTable, TimeTableReadRowKinds) {
             "朝 09:30:00;08:00:00 PG1;09:05:01 PG2;10:00:00 3 HDMI1;11:00:00 0 ;;13:00:00 PG1");
   EXPECT_EQ(reader_.index().programFolders(),
             (std::vector<std::u16string>{U16("番組A"), U16("番組B")}));
-}
-
-// A program wins over a command, a row of neither writes no line, and program folders are
-// numbered at their first use.
-TEST_F(CsvScheduleTimeTable, TimeTableWrite) {
-  f::QvFTimeTable t;
-  t.table_list.name = U16("夜の表");
-  f::QvFTable program_row, command_row;
-  f::ParseTime(u"07:05:03", program_row.program.emplace().start_time);
-  f::ParseTime(u"23:59:59", program_row.program->end_time);
-  program_row.program->ref_program = u"PG8", program_row.command.emplace();
-  f::ParseTime(u"12:00:30", command_row.command.emplace().start_time);
-  command_row.command->type = -4, command_row.command->target_input = u"in,1";
-  f::QvFTable again = program_row;
-  again.program->ref_program = u"PG3";
-  t.table_list.tables = {program_row, command_row, f::QvFTable(), again, program_row};
-  writer_.outputTimeTable(U16(dir_.Sub("tt.csv")), t);
-  const std::string row = "07:05:03,23:59:59,0,Program_20240101_000000_00";
-  EXPECT_EQ(ReadFile(dir_.Sub("tt.csv")),
-            Cp932("夜の表\r\n0xD4F0FF\r\n" + row + "1,0,\r\n12:00:30,,1,,-4,in\\,1\r\n" + row +
-                  "2,0,\r\n" + row + "1,0,\r\n"));
 }
 
 std::string N(int v) { return " " + std::to_string(v); }
@@ -363,27 +305,6 @@ TEST_F(CsvProgram, PlaceholderOnlyBeforeTheFirstItems) {
     for (const auto& item : reader_.readPlaylist(U16(dir_.path() + "\\P\\" + name)).contents)
       all += Describe(*item) + ";";
   EXPECT_EQ(all + Item("\n7,00:00:09\n"), "2 00:00:00 0 0 0x445566;2 00:00:09 0 0 0x112233");
-}
-
-// The writer packs an image's effect into one number and numbers the end code its own way.
-TEST_F(CsvProgram, WrittenPlaylistPacksTheEffect) {
-  auto image = std::make_shared<f::QvFImage>();
-  image->ref_content.assign(u"CT8"), image->type = 2, image->aspect = 1;
-  f::ParseTime(u"00:00:30", image->play_time.time);
-  f::QvFImageEffect& effect = image->image_effect.emplace();
-  effect.type = f::kEffectRandom, effect.direction = f::kDirectionRandom;
-  effect.via_backgroundcolor = true, effect.t = 3;
-  auto plain = std::make_shared<f::QvFImage>(*image);  // type 0 keeps 0 in the low byte
-  plain->image_effect->type = f::kEffectNone, plain->image_effect->direction = f::kDirectionUp;
-  plain->play_time.content_end = 1;  // the writer's own numbering: "10"
-  f::QvFPlaylist written;
-  written.contents = {image, plain};
-  QvFNameMap names;
-  QvFWriteCsv(u"S").outputPlaylistFile(1, U16(dir_.path()), &written, names);
-  const std::string head = "..\\\\contents\\\\CT8.gif\r\n1,00:00:30,,false,0x000000,1,,0,0,0,100,";
-  EXPECT_EQ(ReadFile(dir_.Sub("information/contents_1_001.csv")) +
-                ReadFile(dir_.Sub("information/contents_1_002.csv")),
-            head + "1073807361,3,0,-1,-1,-1,-1,00\r\n" + head + "65792,3,0,-1,-1,-1,-1,10\r\n");
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
-// Telops recoded by the byte order mark that starts them, their copies, and the identifiers that
-// may become file names in a package.
-#include "pipeline/package_names.h"
+// Telops recoded by the byte order mark that starts them, and their copies.  Identifiers that must
+// not become paths in a package: tests/blackbox/hostile_package_test.cpp.
 #include "pipeline/telop_copy.h"
 #include "tests/support/test_support.h"
 #include "workspace/text_conversion.h"
@@ -50,14 +49,6 @@ TEST(TelopRecoding, CopyFailsOnlyWithoutASource) {
                std::runtime_error);
   EXPECT_NO_THROW(CopyTelopAsText(U16(dir.Sub("t.tlp")), U16(dir.Sub("no/such/x.tlp"))));
   EXPECT_NO_THROW(CopyTelopAsText(U16(dir.Sub("t.tlp")), u"/dev/full"));
-}
-
-// Paths that climb or nest, as whole packages give them: tests/blackbox/hostile_package_test.cpp.
-TEST(PackageNames, OnlyPlainNamesBecomePaths) {
-  for (const char16_t* good : {u"TM1", u"CT1.mp4", u"..x"}) EXPECT_TRUE(IsPlainName(good));
-  for (const char16_t* bad : {u"", u".", u"..", u"../x", u"a/b", u"a\\b", u"..\\..\\etc"})
-    EXPECT_FALSE(IsPlainName(bad)) << qvtest::U8(bad);
-  EXPECT_FALSE(IsPlainName(std::u16string(u"a\0b", 3)));
 }
 
 }  // namespace

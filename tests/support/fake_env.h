@@ -1,5 +1,5 @@
 // Envs that tests install (platform/env.h), each current while it lives: a clock that stands
-// still, a user's locale, files that cannot be read, and disks that refuse files or fill up.
+// still, a user's locale, files that cannot be read, and disks that fill up.
 // Every call they do not fake reaches the system.
 #ifndef QV_TESTS_SUPPORT_FAKE_ENV_H_
 #define QV_TESTS_SUPPORT_FAKE_ENV_H_
@@ -49,15 +49,6 @@ class UnreadableFiles : public FakeEnv {
  public:
   bool ReadFile(std::u16string_view, std::string*) override { return false; }
   bool ReadFilePrefix(std::u16string_view, std::size_t, std::string*) override { return false; }
-};
-
-// A disk on which no file can be made.
-class ReadOnlyDisk : public FakeEnv {
- public:
-  bool WriteFile(std::u16string_view, std::string_view) override { return false; }
-  std::unique_ptr<platform::WritableFile> NewWritableFile(std::u16string_view) override {
-    return nullptr;
-  }
 };
 
 // A disk with room for `room` bytes of what the program writes and copies: a whole-file write or

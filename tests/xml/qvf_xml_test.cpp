@@ -60,24 +60,6 @@ TEST(XmlDocument, WhatParsesAndWhatIs300) {
   EXPECT_NE(bytes.find("<qv n=\"wordword\"/>"), std::string::npos);
 }
 
-// Start-ups and shut-downs of the library pair up: after failed parses, a second start-up on the
-// same holder and a failure passing through, a parse still works.
-TEST(XmlDocument, LibraryStartUpsPairWithShutDowns) {
-  for (int i = 0; i < 3; ++i) EXPECT_EQ(ParseCode("<qv"), -300);
-  {
-    QvFXmlLibrary library;
-    QvFXmlDocument reused;
-    reused.createDocument(), reused.createDocument();
-  }
-  try {
-    QvFXmlDocument document;
-    document.createDocument();
-    throw std::runtime_error("passing through");
-  } catch (const std::runtime_error&) {
-  }
-  EXPECT_EQ(ParseCode("<qv/>"), 0);
-}
-
 std::tm FixedNow() {  // 2031/07/04 05:06:07
   std::tm t{};
   t.tm_year = 131, t.tm_mon = 6, t.tm_mday = 4, t.tm_hour = 5, t.tm_min = 6, t.tm_sec = 7;
