@@ -63,15 +63,6 @@ TEST(CommandLine, AcceptedLinesAndRefusalsWithMinusOne) {
     EXPECT_EQ(CodeOf([&] { ParseCommandLine(Table(line)); }), -1) << line;
 }
 
-// The log is found before the option loop runs: the first -log value, up to an empty argument.
-TEST(CommandLine, LogPathIsTheFirstLogValue) {
-  EXPECT_EQ(LogPathOf(Table("a -packageb -log'run.log' -logother")), u"run.log");
-  EXPECT_EQ(LogPathOf(Table("-bad -logrun.log")), u"run.log");  // a bad line is logged too
-  EXPECT_EQ(LogPathOf(Table("a -log -logrun.log")), u"");
-  EXPECT_EQ(LogPathOf(Table("a  -logrun.log")), u"");
-  EXPECT_EQ(ParseCommandLine(Table("a -packageb -logc")).OutputPath(), u"b");
-}
-
 // The x, y, width and height that `text` sets on a fresh config.
 std::vector<int> Region(const char16_t* text) {
   QvConvRunConfig config;

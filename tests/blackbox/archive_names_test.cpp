@@ -44,20 +44,6 @@ TEST_F(ArchiveNames, ProjectZippedOnWindowsOpensWholeAndConverts) {
   }
 }
 
-// Named in lower case, the package is never opened as a plain archive.
-TEST_F(ArchiveNames, PackageZippedByPowerShellOrInLowerCaseIsAPackage) {
-  BuildCleanProject(p_);
-  ASSERT_EQ(Package().status, 0);
-  ASSERT_EQ(Unpackage(zip_, scratch_.Sub("back")).status, 0);
-  Extracted();  // the package's tree, in <scratch>/extracted
-  ZipAs(kPowerShell, scratch_.Sub("extracted"));
-  ASSERT_EQ(Unpackage(windows_zip_, dest_).status, 0);
-  EXPECT_EQ(Unstamped(dest_), Unstamped(scratch_.Sub("back")));
-  WriteFile(windows_zip_, StoredZip({{"qvformat/qvs.xml", ReadFile(Extracted() + "/QvS.xml")}}));
-  Unpackage(windows_zip_, dest_);
-  EXPECT_FALSE(Exists(dest_ + "/qvformat"));
-}
-
 // The tool writes a link that climbs as an empty file; the other links are not kept.
 TEST_F(ArchiveNames, HostileNamesStayInside) {
   const std::string deep = scratch_.Sub("a/b/dest");

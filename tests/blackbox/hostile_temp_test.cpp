@@ -111,31 +111,6 @@ TEST_F(HostileTemp, PlantedNamesEndTheRunsThatUseThemAndTouchNothing) {
   }
 }
 
-// The same as it happens between two users: the program runs as an unprivileged user, and the
-// folder that stands under a fixed name is root's.
-TEST_F(HostileTemp, AnUnprivilegedRunRefusesRootsFolder) {
-  if (::geteuid() != 0 || RunProgram({"setpriv", "--version"}).status != 0)
-    GTEST_SKIP() << "needs root and setpriv";
-  ASSERT_EQ(::chmod(scratch_.path().c_str(), 0755), 0);
-  ASSERT_EQ(::chmod(temp_.c_str(), 01777), 0);
-  MakeDirs(dest_);
-  ASSERT_EQ(::chown(dest_.c_str(), kOtherUser, kOtherUser), 0);
-  auto open_as_other = [&] {
-    const std::string id = std::to_string(kOtherUser);
-    return RunProgram({"setpriv", "--reuid=" + id, "--regid=" + id, "--clear-groups", QV_BINARY,
-                       plain_, "-unpackage" + dest_},
-                      RunEnv(temp_))
-        .status;
-  };
-  EXPECT_EQ(open_as_other(), 0);
-  EXPECT_EQ(ReadFile(dest_ + "/dir/file.txt"), "plain");
-  MakeDirs(temp_ + "/chktemp");
-  WriteFile(dest_ + "/old.txt", "old");
-  EXPECT_EQ(open_as_other(), Status(-3));
-  EXPECT_TRUE(Exists(dest_ + "/old.txt"));
-  EXPECT_TRUE(ListDir(temp_ + "/chktemp").empty());
-}
-
 // The probe folder is not cleared before a probe: a marker that a killed probe left there makes
 // the next plain archive a package, which then has no documents (-300; its unzip folder stays, as
 // a failed run's does).  The probe removes everything afterwards, names that are not UTF-8 and

@@ -1,6 +1,7 @@
 // The checker: the message catalogue in both languages; a checker with a begun report, files
 // written into a scratch folder and the Results read back, over layouts, contents, telops,
-// schedules, time tables and programs, and unreadable files.
+// schedules, time tables and programs, and unreadable files.  Panes and files of findings in a
+// whole report: tests/blackbox/check_report_test.cpp.
 #include <tuple>
 
 #include "base/qv_conv_exception.h"
@@ -101,24 +102,6 @@ std::vector<std::string> Contents(const std::string& content, const std::string&
                                   const std::string& move = "-1") {
   return {content,
           type + ",00:00:10,,false," + colour + ",0,,0,0,0,100,0,0,0," + move + ",-1,-1,-1,11"};
-}
-
-TEST(CheckerReport, PaneOverrideAndKeysWithoutText) {
-  CheckerHarness h;
-  FixedLocale locale("en_US.UTF-8");
-  h.checker.pane_override = 4;
-  EXPECT_EQ(h.Check(ChContentsInfo, h.Csv("P/information/contents_1_001.csv",
-                                          Contents("..\\\\contents\\\\a.wmv", "1"))),
-            0);
-  h.checker.pane_override = -1;
-  h.checker.addResult(u"EP0000", true, -1, u"", u"msg.EP0000");
-  h.checker.addResult(u"XX0001", false, 3, u"", u"");
-  EXPECT_TRUE(h.checker.has_result && h.checker.has_error);
-  const std::vector<ReportResult> r = h.Results();
-  ASSERT_EQ(r.size(), 3u);
-  EXPECT_EQ(r[0].pane + r[0].file, "4a.wmv");  // the override goes before the row's pane
-  EXPECT_EQ(r[1].pane + r[1].file + r[2].kind + r[2].pane, "W3");
-  EXPECT_EQ(r[2].text, "An unknown error exists in the data.");
 }
 
 TEST(CheckerWalk, UnreadableFilesFailAsCsv) {

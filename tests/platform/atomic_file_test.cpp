@@ -1,5 +1,5 @@
-// Files delivered whole through a temporary, the append-only log file, and a started program that
-// must not outlive its caller.
+// Files delivered whole through a temporary, the append-only log file, and started programs: their
+// output and status, and that they do not outlive their caller.
 #include <signal.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -83,6 +83,17 @@ TEST(AppendOnlyFile, AppendsAndNeverHurtsItsCaller) {
   ::close(ends[1]);
   ASSERT_EQ(::mkfifo(dir.Sub("fifo").c_str(), 0600), 0);
   EXPECT_FALSE(file.Open(U16(dir.Sub("fifo"))));
+}
+
+// The standard output is read while the program runs, also when it is more than a pipe holds; the
+// other streams stay silent; a program that cannot start gives nothing.
+TEST(Process, ReportsStartExitAndTheStandardOutput) {
+  std::string out;
+  const ProcessResult r =
+      RunProcess({u"sh", u"-c", u"head -c 300000 /dev/zero; echo err >&2; exit 4"}, out);
+  EXPECT_TRUE(r.started && r.exit_status == 4);
+  EXPECT_EQ(out, std::string(300000, '\0'));
+  EXPECT_FALSE(RunProcess({u"no-such-program-qv"}, out).started || !out.empty());
 }
 
 // Polls `done` for up to five seconds.

@@ -1,11 +1,9 @@
 // The system layer: UTF-8 and UTF-16, files and folders (also what is no file), reads of any
-// size, folders made ahead, started programs and their output, the temporary folder and the
-// user's locale.
+// size, folders made ahead, the temporary folder and the user's locale.
 #include <sys/stat.h>
 
 #include "platform/file_system.h"
 #include "platform/folders_ahead.h"
-#include "platform/process.h"
 #include "platform/system_info.h"
 #include "platform/text_codec.h"
 #include "tests/support/test_support.h"
@@ -100,21 +98,6 @@ TEST(FoldersAhead, MakesInOrderAndStopsAtTheFirstFailure) {
   // A parent that cannot be opened fails the first.
   for (const std::string& parent : {dir.Sub("missing"), dir.Sub("file")})
     EXPECT_FALSE(FoldersAhead(qvtest::U16(parent), {u"PG1"}).Wait(0)) << parent;
-}
-
-// Start and exit status; the standard output is read while the program runs, also when it is
-// more than a pipe holds; the other streams stay silent; a program that cannot start gives nothing.
-TEST(Process, ReportsStartExitAndTheStandardOutput) {
-  std::string out = "old";
-  const ProcessResult r = RunProcess({u"sh", u"-c", u"printf 'a\\nb'; echo err >&2; exit 4"}, out);
-  EXPECT_TRUE(r.started);
-  EXPECT_EQ(r.exit_status, 4);
-  EXPECT_EQ(out, "a\nb");
-  EXPECT_TRUE(RunProcess({u"head", u"-c", u"300000", u"/dev/zero"}, out).started);
-  EXPECT_EQ(out, std::string(300000, '\0'));
-  EXPECT_FALSE(RunProcess({u"no-such-program-qv"}, out).started);
-  EXPECT_EQ(out, "");
-  EXPECT_FALSE(RunProcess({}, out).started);
 }
 
 // The name of a new identifier: tests/workspace/file_tree_test.cpp.
