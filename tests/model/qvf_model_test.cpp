@@ -1,5 +1,5 @@
 // Text forms: colours both ways, date and time scans with the fields they leave alone, _wtoi
-// integers, flags; the runtime's white space before every kind of number and the field widths of
+// integers; the runtime's white space before every kind of number and the field widths of
 // the "%<width>d" scans.
 #include "model/qvf_number_scan.h"
 #include "model/qvf_text_forms.h"
@@ -81,7 +81,7 @@ TEST(ModelTextForms, DatesScanAtMostFourTwoTwoDigitsTimesTwoEach) {
             u"09:05:01;08:45:30;12:20:30;10:20:30;99:99:99;");
 }
 
-TEST(ModelTextForms, IntegersRegionsAndFlags) {
+TEST(ModelTextForms, IntegersAndRegions) {
   const auto dec = [](std::u16string_view text) { return FormatInt(ParseInt(text)); };
   EXPECT_EQ(Each(dec, {u"  -17px", u"+8", u"", u"- 5", u"99999999999999999999", u"-2147483648"}),
             u"-17;8;0;0;2147483647;-2147483648;");
@@ -94,18 +94,6 @@ TEST(ModelTextForms, IntegersRegionsAndFlags) {
   region.x = 9;
   ParseRegion(u"", u"10", u"1920", u"x", region);
   EXPECT_EQ(FormatRegion(region), (std::array<std::u16string, 4>{u"0", u"10", u"1920", u"0"}));
-
-  EXPECT_EQ(FormatFlag(std::optional<bool>()), u"false");
-  EXPECT_EQ(ParseBoolValue(u"1"), std::optional<bool>(true));
-  EXPECT_EQ(ParseBoolValue(u"false"), std::optional<bool>(false));
-  for (std::u16string_view text : {u"yes", u"", u"TRUE", u"t", u"01", u" true"})
-    EXPECT_FALSE(ParseBoolValue(text).has_value());
-  bool flag = true;
-  ParseDefaultFlag(u"", flag);  // empty changes nothing
-  ParseDefaultFlag(u"TrUe", flag);
-  EXPECT_TRUE(flag);
-  ParseDefaultFlag(u"1", flag);
-  EXPECT_FALSE(flag);
 }
 
 // Every character that Windows' iswspace takes, and near misses that it does not.

@@ -1,5 +1,5 @@
-// Files delivered whole through a temporary, the append-only log file, and started programs: their
-// output and status, and that they do not outlive their caller.
+// Files delivered whole through a temporary, and started programs: their output and status, and
+// that they do not outlive their caller.  The log file: tests/blackbox/run_log_test.cpp.
 #include <signal.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -9,7 +9,6 @@
 #include <fstream>
 #include <thread>
 
-#include "platform/append_only_file.h"
 #include "platform/atomic_file.h"
 #include "platform/process.h"
 #include "tests/support/test_support.h"
@@ -61,28 +60,6 @@ TEST(AtomicFile, CopyReplacesWholeOrLeavesTheDestinationAsItWas) {
   EXPECT_TRUE(SyncFile(U16(dst)) && RenameOver(U16(dst), U16(dir.Sub("renamed"))));
   EXPECT_EQ(ReadFile(dir.Sub("renamed")), "new");
   EXPECT_FALSE(RenameOver(U16(dst), U16(dir.Sub("renamed"))));
-}
-
-TEST(AppendOnlyFile, AppendsAndNeverHurtsItsCaller) {
-  qvtest::ScratchDir dir;
-  const std::string log = dir.Sub("log.txt");
-  WriteFile(log, "earlier\n");
-  AppendOnlyFile file;
-  ASSERT_TRUE(file.Open(U16(log)));
-  EXPECT_TRUE(file.Append("one\n") && file.Append("two\n"));
-  EXPECT_EQ(ReadFile(log), "earlier\none\ntwo\n");
-
-  // A pipe whose reader has gone fails the write and raises no SIGPIPE that would end us; a pipe
-  // without a reader does not open (it would block).
-  int ends[2];
-  ASSERT_EQ(::pipe(ends), 0);
-  ASSERT_TRUE(file.Open(U16("/proc/self/fd/" + std::to_string(ends[1]))));
-  EXPECT_TRUE(file.Append("heard\n"));
-  ::close(ends[0]);
-  EXPECT_FALSE(file.Append("unheard\n"));
-  ::close(ends[1]);
-  ASSERT_EQ(::mkfifo(dir.Sub("fifo").c_str(), 0600), 0);
-  EXPECT_FALSE(file.Open(U16(dir.Sub("fifo"))));
 }
 
 // The standard output is read while the program runs, also when it is more than a pipe holds; the

@@ -1,5 +1,5 @@
 // Envs that tests install (platform/env.h), each current while it lives: a clock that stands
-// still, a user's locale, files that cannot be read, and disks that fill up.
+// still, files that cannot be read, and disks that fill up.
 // Every call they do not fake reaches the system.
 #ifndef QV_TESTS_SUPPORT_FAKE_ENV_H_
 #define QV_TESTS_SUPPORT_FAKE_ENV_H_
@@ -33,15 +33,6 @@ class FixedClock : public FakeEnv {
 
  private:
   std::tm now_;
-};
-
-class FixedLocale : public FakeEnv {
- public:
-  explicit FixedLocale(std::string locale) : locale_(std::move(locale)) {}
-  std::string MessageLocaleName() override { return locale_; }
-
- private:
-  std::string locale_;
 };
 
 // Files that stand but cannot be read.

@@ -180,38 +180,6 @@ TEST_P(XmlVocabularies, RecordsComeBackWhole) {
   EXPECT_EQ(Item<QvFMovie>(Trip(playlist, true), 0).volume, -5);
 }
 
-// Empty references, values out of range and absent flags are not written; what comes back is the
-// plain default.
-TEST_P(XmlVocabularies, ValuesWrittenOnlyWhenTheyHoldSomething) {
-  QvFProgram program;
-  program.program_info.layout_lock.reset();
-  program.program_info.playlist_file.ref_playlist.assign(u"PL9999");  // never written
-  program.pane_info.panes.emplace_back().playlist_file.ref_playlist.assign(u"PL0001");
-  QvFPlaylistFile& odd = program.pane_info.panes.emplace_back().playlist_file;
-  odd.type = 7, odd.mute.reset();
-  EXPECT_EQ(Trip(program)->program_info.layout_lock, std::optional<bool>(false));
-  const std::string program_bytes = bytes_;
-  QvFPlaylist playlist;
-  auto image = std::make_shared<QvFImage>();
-  image->type = 4, image->aspect = 9;
-  image->image_effect.emplace().via_backgroundcolor.reset();
-  auto telop = std::make_shared<QvFTelop>();
-  telop->type = 1, telop->aspect = 3, telop->region = QvFRegion{{}, 5, 6, 7, 8};
-  telop->play_time.content_end = 99, telop->play_time.timeout = -1, telop->play_time.valid = true;
-  playlist.contents = {image, telop, nullptr};
-  EXPECT_FALSE(Item<QvFTelop>(Trip(playlist), 1).region.has_value());
-  if (debug_) return;
-  EXPECT_EQ(
-      program_bytes,
-      "<pgp><pgi pgt=\"05:06:07\"><re h=\"0\" w=\"0\" x=\"0\" y=\"0\"/><bc c=\"#000000\"/></pgi>"
-      "<pai><pa><re h=\"0\" w=\"0\" x=\"0\" y=\"0\"/><plf mt=\"f\" rl=\"PL0001\"/></pa>"
-      "<pa><re h=\"0\" w=\"0\" x=\"0\" y=\"0\"/><plf/></pa></pai></pgp>");
-  EXPECT_EQ(
-      bytes_,
-      "<pl><i><bc c=\"#000000\"/><pt ce=\"l\" t=\"05:06:07\" to=\"s\"/><ie d=\"no\" t=\"0\"/></i>"
-      "<t a=\"0\"><pt t=\"05:06:07\" v=\"t\"/></t></pl>");
-}
-
 INSTANTIATE_TEST_SUITE_P(DebugIsTrue, XmlVocabularies, testing::Bool(),
                          testing::PrintToStringParamName());
 
