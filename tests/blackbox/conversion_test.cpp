@@ -112,14 +112,21 @@ TEST_F(Conversion, ScheduleAndTimeTableDocuments) {
 // work folders left, the last line of the log (P: the project).
 TEST_F(Conversion, OutcomeOfEachKindOfProject) {
   using Edit = std::function<void(ProjectBuilder&)>;
+  auto put = [](const std::string& path, const std::string& bytes) -> Edit {
+    return [=](ProjectBuilder& p) { p.File(path, bytes); };
+  };
   auto remove = [](const std::string& path) -> Edit {
     return [=](ProjectBuilder& p) { RemoveAll(p.Path(path)); };
   };
-  auto rename_schedule = [](const std::string& name) -> Edit {
+  // Schedule.csv copied to `name`, and removed unless `keep`.
+  auto schedule_as = [](const std::string& name, bool keep = false) -> Edit {
     return [=](ProjectBuilder& p) {
-      p.File(name, ReadFile(p.Path("Schedule.csv"))), RemoveAll(p.Path("Schedule.csv"));
+      p.File(name, ReadFile(p.Path("Schedule.csv")));
+      if (!keep) RemoveAll(p.Path("Schedule.csv"));
     };
   };
+  const std::string ads = "Program_ads/information/contents_1_001.csv",
+                    line2 = "\r\n1,00:00:10,,false,0x000000,0,,0,0,0,100,0,0,0,-1,-1,-1,-1,11\r\n";
   const struct {
     const char* what;
     bool clean;
@@ -130,41 +137,30 @@ TEST_F(Conversion, OutcomeOfEachKindOfProject) {
     std::string exit_line = {};
   } cases[] = {
       {"a warning", false,
-       [](ProjectBuilder& p) { p.Schedule({ScheduleEntry(DateFromToday(-3), "TimeTable_a.csv")}); },
-       1, true, 0, "exit 1: the check found warnings and no error"},
-      {"an interrupt file", false, [](ProjectBuilder& p) { p.File("Interrupt_1.csv", ""); }, 2,
-       false, 1, "exit 2: the check found errors: nothing was delivered"},
-      {"a content error", true,
-       [](ProjectBuilder& p) { p.Playlist("Program_ads", 1, {MovieItem("clip.wmv")}); }, 2, false,
-       1},
+       put("Schedule.csv", CsvBytes({{"S"}, {"f"}, {DateFromToday(-3), "TimeTable_a.csv"}})), 1,
+       true, 0, "exit 1: the check found warnings and no error"},
+      {"an interrupt file", false, put("Interrupt_1.csv", ""), 2, false, 1,
+       "exit 2: the check found errors: nothing was delivered"},
+      {"a content error", true, put(ads, "..\\\\contents\\\\clip.wmv" + line2), 2, false, 1},
       {"no schedule", false, remove("Schedule.csv"), Status(-101), false, 1,
        "exit -101: no schedule file in \"P\""},
-      {"no project folder", false, [](ProjectBuilder& p) { RemoveAll(p.root()); }, Status(-101),
-       false, 1},
-      {"lower case schedule", false, rename_schedule("schedule.csv"), Status(-101), false, 1},
-      {"schedule not first", false, rename_schedule("MySchedule.csv"), Status(-101), false, 1},
-      {"stamped schedule", false, rename_schedule("Schedule_20240101_120000_001.csv"), 0, true, 0,
+      {"no project folder", false, remove(""), Status(-101), false, 1},
+      {"lower case schedule", false, schedule_as("schedule.csv"), Status(-101), false, 1},
+      {"schedule not first", false, schedule_as("MySchedule.csv"), Status(-101), false, 1},
+      {"stamped schedule", false, schedule_as("Schedule_20240101_120000_001.csv"), 0, true, 0,
        "exit 0: finished"},
-      {"schedule in a subfolder", false,
-       [](ProjectBuilder& p) {
-         p.File("old/Schedule2.csv", CsvBytes({{"x"}, {"false"}}));
-       },
-       0, true, 0},
-      {"two schedules", false,
-       [](ProjectBuilder& p) { p.File("Schedule2.csv", ReadFile(p.Path("Schedule.csv"))); },
-       Status(-103), false, 1, "exit -103: more than one schedule file in \"P\""},
-      {"no escape", false,
-       [](ProjectBuilder& p) {
-         p.File("TimeTable_a.csv", "M\r\n0xD4F0FF\r\n06:00:00,a\\b,1,,1,\r\n");
-       },
+      {"schedule in a subfolder", false, put("old/Schedule2.csv", CsvBytes({{"x"}, {"false"}})), 0,
+       true, 0},
+      {"two schedules", false, schedule_as("Schedule2.csv", true), Status(-103), false, 1,
+       "exit -103: more than one schedule file in \"P\""},
+      {"no escape", false, put("TimeTable_a.csv", "M\r\n0xD4F0FF\r\n06:00:00,a\\b,1,,1,\r\n"),
        Status(-102), false, 1, "exit -102: cannot understand \"P\\TimeTable_a.csv\""},
       {"no program file", true, remove("Program_ads/program.csv"), Status(-101), false, 1,
        "exit -101: cannot open \"P\\Program_ads\\program.csv\""},
       {"no playlist of a pane in use", true, remove("ニュース番組/playlist_5.csv"), Status(-101),
        false, 1},
-      {"a content path without a point", true,
-       [](ProjectBuilder& p) { p.Playlist("Program_ads", 1, {Item{.path_cell = "noextension"}}); },
-       Status(-102), false, 1},
+      {"a content path without a point", true, put(ads, "noextension" + line2), Status(-102), false,
+       1},
       // The check cannot open the telop: the run stops quietly.
       {"no telop file", true, remove("contents/お知らせ.tlp"), 0, false, 0},
   };
