@@ -21,38 +21,25 @@ namespace {
 
 thread_local std::error_code ignored;  // of calls whose failure the test sees otherwise
 
-std::string TempRoot() {
-  const char* t = std::getenv("TMPDIR");
-  std::string root = (t && *t) ? t : "/tmp";
-  while (root.size() > 1 && root.back() == '/') root.pop_back();
-  return root;
-}
-
 std::string Convert(std::string_view in, const char* to, const char* from) {
-  iconv_t cd = iconv_open(to, from);
-  if (cd == reinterpret_cast<iconv_t>(-1)) {
-    ADD_FAILURE() << "iconv_open " << from << " -> " << to;
-    return {};
-  }
   std::string out(in.size() * 4 + 16, '\0');
-  char* src = const_cast<char*>(in.data());
-  size_t src_left = in.size();
-  char* dst = out.data();
-  size_t dst_left = out.size();
-  if (iconv(cd, &src, &src_left, &dst, &dst_left) == static_cast<size_t>(-1))
-    ADD_FAILURE() << "iconv cannot convert text to " << to;
-  iconv_close(cd);
+  char *src = const_cast<char*>(in.data()), *dst = out.data();
+  std::size_t src_left = in.size(), dst_left = out.size();
+  iconv_t cd = iconv_open(to, from);
+  if (cd == reinterpret_cast<iconv_t>(-1) ||
+      iconv(cd, &src, &src_left, &dst, &dst_left) == static_cast<std::size_t>(-1))
+    ADD_FAILURE() << "iconv cannot convert text from " << from << " to " << to;
+  if (cd != reinterpret_cast<iconv_t>(-1)) iconv_close(cd);
   out.resize(out.size() - dst_left);
   return out;
 }
 
 }  // namespace
 
-ScratchDir::ScratchDir() : path_(TempRoot() + "/qvtest-XXXXXX") {
-  if (::mkdtemp(path_.data()) == nullptr) {
-    ADD_FAILURE() << "cannot make a scratch folder";
-    path_.clear();
-  }
+ScratchDir::ScratchDir() {
+  const char* temp = std::getenv("TMPDIR");
+  path_ = fs::path(temp && *temp ? temp : "/tmp") / "qvtest-XXXXXX";
+  if (::mkdtemp(path_.data()) == nullptr) ADD_FAILURE() << "cannot make " << path_, path_.clear();
 }
 
 ScratchDir::~ScratchDir() {
@@ -80,13 +67,10 @@ void WriteFile(const std::string& path, std::string_view bytes) {
 
 std::string ReadFile(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
-  if (!in) {
-    ADD_FAILURE() << "cannot read " << path;
-    return {};
-  }
+  if (!in) ADD_FAILURE() << "cannot read " << path;
   std::ostringstream s;
   s << in.rdbuf();
-  return s.str();
+  return in ? s.str() : "";
 }
 
 bool Exists(const std::string& path) {
