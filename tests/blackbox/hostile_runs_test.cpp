@@ -1,8 +1,7 @@
 // Runs that strain the program, each giving what the sample gives in short folders on its own:
 // folders deeper than the old 260-character limit and than the system's 4,096, Japanese names
-// everywhere; a real small disk, where the archive tool writes too (the program's own writes to a
-// full disk: tests/app/run_options_test.cpp); several processes at once in one temporary folder,
-// taking turns on its fixed folders.  A report that cannot be written.
+// everywhere; several processes at once in one temporary folder, taking turns on its fixed
+// folders.  A report that cannot be written.  (A full disk: tests/app/run_options_test.cpp.)
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -76,41 +75,6 @@ TEST_F(HostileRuns, JapaneseNamesAndPathsBeyond260And4096Characters) {
   ASSERT_EQ(RunProgram({"cp", "-r", via + "/back", scratch_.Sub("copy")}).status, 0);
   EXPECT_EQ(Unstamped(scratch_.Sub("copy")), project_files_);
   close(folder);
-}
-
-// Opening a package with a temporary folder (a tmpfs in a mount namespace of the run's own) of
-// every size from too small to enough: a partial extraction, an unreadable document or a CSV file
-// cut short (its stream failures are not looked at) never crash the run or give a code outside
-// the documented ones; with room the project is whole.  Skipped where no tmpfs can be made.
-TEST_F(HostileRuns, WayBackOnDisksOfEverySize) {
-  const std::string disk = scratch_.Sub("disk"), back = scratch_.Sub("back");
-  auto on_disk_of = [&](int kib, const std::vector<std::string>& qv_args) {
-    std::vector<std::string> args{"unshare",
-                                  "--mount",
-                                  "--propagation",
-                                  "private",
-                                  "sh",
-                                  "-c",
-                                  "mount -t tmpfs -o size=$1 tmpfs \"$2\" || exit 99; shift 2; "
-                                  "exec \"$@\"",
-                                  "sh",
-                                  std::to_string(kib) + "k",
-                                  disk,
-                                  QV_BINARY};
-    args.insert(args.end(), qv_args.begin(), qv_args.end());
-    return MakeDirs(disk), MakeDirs(back), RunProgram(args, RunEnv(disk));
-  };
-  // An empty command line is refused (255) only where the tmpfs could be made.
-  if (on_disk_of(16, {}).status != Status(-1)) GTEST_SKIP() << "no mount namespace with a tmpfs";
-  const std::vector<int> documented{0, Status(-3), Status(-4), Status(-300)};
-  for (int kib = 4; kib <= 128; kib += 4) {
-    const RunResult r = on_disk_of(kib, {zip_, "-unpackage" + back});
-    EXPECT_NE(std::find(documented.begin(), documented.end(), r.status), documented.end())
-        << kib << " KiB: " << r.status << r.output;
-  }
-  RunProgram({"rm", "-rf", back});
-  ASSERT_EQ(on_disk_of(1024, {zip_, "-unpackage" + back}).status, 0);
-  EXPECT_EQ(Unstamped(back), project_files_);
 }
 
 // Conversions, checks and openings of different packages side by side: each run packs the sample

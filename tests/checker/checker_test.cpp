@@ -2,8 +2,6 @@
 // written into a scratch folder and the Results read back, over layouts, contents, telops,
 // schedules, time tables and programs, and unreadable files.  Panes and files of findings in a
 // whole report: tests/blackbox/check_report_test.cpp.
-#include <tuple>
-
 #include "base/qv_conv_exception.h"
 #include "checker/qv_ch_message.h"
 #include "checker/qv_ch_table.h"
@@ -213,21 +211,8 @@ TEST(CheckerLayout, BackgroundAndSoundPlaylistsMustBeEmpty) {
   EXPECT_EQ(h.Kinds(), "PG0908:E@1 PG0901:E@2");
 }
 
-// A refusal by extension silences the type rules of row 1.
-TEST(CheckerContent, ExtensionsColoursAndEffects) {
-  EnvOverride locale("LC_ALL", "C");
-  const std::tuple<std::string, std::string, std::string> cases[] = {
-      {"C:\\\\https://x\\\\a.exe", "1", ""},
-      {"a.TLP", "1", ""},  // passes without the telop tests
-      {"a.$str$", "1", "CI0100:E Not support the content of the extension (.$str$)."},
-      {"noextension.", "3", "CI0100:E CI0204:E Content of unsupported format is specified."},
-  };
-  for (const auto& [content, type, expected] : cases) {
-    CheckerHarness h;
-    EXPECT_EQ(h.Check(ChContentsInfo, h.Csv("c.csv", {content, type + ",,,,0x0"})), 0);
-    EXPECT_EQ(h.Kinds() + (h.Results().empty() ? "" : " " + h.Results()[0].text), expected)
-        << content;
-  }
+// Refusals by extension, with their texts: tests/blackbox/check_report_test.cpp.
+TEST(CheckerContent, ColoursAndEffects) {
   // No colour, effect 15 however packed, an unknown direction, no effect cell.
   CheckerHarness h;
   int n = 0;
