@@ -18,10 +18,6 @@ namespace xml = quorvane::qvformat::format::io::xml;
 using checker::ChContentsInfo, checker::ChProgram, checker::ChSchedule, checker::ChTimeTable;
 using checker::QvChMessage;
 
-struct ReportResult {
-  std::string id, kind, pane, file, text;
-};
-
 class CheckerHarness {
  public:
   CheckerHarness() {
@@ -43,26 +39,22 @@ class CheckerHarness {
     return e.code() + 10000;
   }
 
-  // Every Result of the report in document order; Kinds() gives "id:kind@pane" of each, and
-  // " =<code>" for a code that is not 0.
-  std::vector<ReportResult> Results() const {
-    std::vector<ReportResult> results;
+  // "id:kind@pane" of every Result of the report in document order, and " =<code>" for a code that
+  // is not 0; `text` gets the first Result's text.
+  std::string Kinds(std::int32_t code = 0, std::string* text = nullptr) const {
+    std::string kinds;
     xml::ForEachChildElement(checker.check_result, [&](xercesc::DOMElement* data) {
       xml::ForEachChildElement(data, [&](xercesc::DOMElement* r) {
         auto attr = [r](const char16_t* name) {
           return U8(xml::QvFXmlDocument::getAttribute(r, name));
         };
-        results.push_back({attr(u"id"), attr(u"kind"), attr(u"pane"), attr(u"file"),
-                           U8(reinterpret_cast<const char16_t*>(r->getTextContent()))});
+        kinds += " " + attr(u"id") + ":" + attr(u"kind") +
+                 (attr(u"pane").empty() ? "" : "@" + attr(u"pane"));
+        if (text && text->empty())
+          *text = U8(reinterpret_cast<const char16_t*>(r->getTextContent()));
       });
     });
-    return results;
-  }
-  std::string Kinds(std::int32_t code = 0) const {
-    std::string text;
-    for (const ReportResult& r : Results())
-      text += " " + r.id + ":" + r.kind + (r.pane.empty() ? "" : "@" + r.pane);
-    return (text.empty() ? text : text.substr(1)) + (code ? " =" + std::to_string(code) : "");
+    return (kinds.empty() ? kinds : kinds.substr(1)) + (code ? " =" + std::to_string(code) : "");
   }
 
   ScratchDir dir;
@@ -124,10 +116,11 @@ std::tm Noon() {
 }
 
 // Checks a schedule of the given entries: today's time table, then the findings.
-std::string Today(CheckerHarness& h, std::vector<std::string> entries) {
+std::string Today(CheckerHarness& h, std::vector<std::string> entries,
+                  std::string* text = nullptr) {
   entries.insert(entries.begin(), {"n", "f"});
   const std::int32_t code = h.Check(ChSchedule, h.Csv("Schedule_1.csv", entries));
-  return U8(h.checker.today_timetable) + " " + h.Kinds(code);
+  return U8(h.checker.today_timetable) + " " + h.Kinds(code, text);
 }
 
 // Today's time table is the last of today's entries, an empty date is today's, an unreadable one
@@ -137,9 +130,10 @@ TEST(CheckerSchedule, TodaysTableAndDateCells) {
   FixedClock clock(Noon());
   const std::string t = kToday;
   CheckerHarness h, g, s;
-  EXPECT_EQ(Today(h, {t + ",TM_a.csv", t + ",TM_today.csv,true", "2024/5", "abc,TM_x.csv"}),
+  std::string text;
+  EXPECT_EQ(Today(h, {t + ",TM_a.csv", t + ",TM_today.csv,true", "2024/5", "abc,TM_x.csv"}, &text),
             "TM_today.csv SC0301:E SC0301:E");
-  EXPECT_EQ(h.Results()[0].text, U8(QvChMessage::getMessage(u"msg.DATE")));
+  EXPECT_EQ(text, U8(QvChMessage::getMessage(u"msg.DATE")));
   EXPECT_EQ(Today(g, {t, ",TM_empty.csv"}), "TM_empty.csv SC0301:E");  // today without a table
   const std::string spaced =
       "\u3000" + t.substr(0, 5) + "\u3000" + t.substr(5, 3) + "\u3000" + t.substr(8);
@@ -191,10 +185,10 @@ TEST(CheckerLayout, ProgramFrameAgainstTheRegionAndPaneRoles) {
     CheckerHarness h;
     std::vector<std::string> lines = {"prog", "0xD4F0FF," + c.frame + ",00:01:00,0"};
     lines.insert(lines.end(), c.panes.begin(), c.panes.end());
-    EXPECT_EQ(h.Kinds(h.Check(ChProgram, h.Csv("P/program.csv", lines))), c.findings)
+    std::string text;
+    EXPECT_EQ(h.Kinds(h.Check(ChProgram, h.Csv("P/program.csv", lines)), &text), c.findings)
         << testing::PrintToString(lines);
-    EXPECT_TRUE(c.findings != "PG0900:E@4" ||
-                h.Results().at(0).text == U8(QvChMessage::getMessage(u"msg.NUMBER")));
+    EXPECT_TRUE(c.findings != "PG0900:E@4" || text == U8(QvChMessage::getMessage(u"msg.NUMBER")));
   }
   CheckerHarness h;  // no height cell: no finding
   EXPECT_EQ(h.Check(ChProgram, h.Csv("p.csv", {"n", "0x0,0,0,5000"})), 0);
