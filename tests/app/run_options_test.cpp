@@ -147,14 +147,22 @@ TEST(DispatchDeathTest, UnknownKindsEndWith997) {
   EXPECT_EXIT(Dispatch(bad_kind), testing::ExitedWithCode(-997 & 0xff), "");
 }
 
-// A disk with `room` bytes whose temporary folder is `temp`.
-class SmallDisk : public qvtest::FullDisk {
+// A disk with room for `room` bytes of whole files written, whose temporary folder is `temp`: a
+// file that does not fit fails and writes nothing, and so does everything after it.
+class SmallDisk : public qvtest::FakeEnv {
  public:
-  SmallDisk(std::size_t room, const std::string& temp) : FullDisk(room), temp_(U16(temp)) {}
+  SmallDisk(std::size_t room, const std::string& temp) : room_(room), temp_(U16(temp)) {}
   std::u16string TempDirectory() override { return temp_; }
+  bool WriteFile(std::u16string_view path, std::string_view bytes) override {
+    full_ = full_ || bytes.size() > room_;
+    room_ -= full_ ? 0 : bytes.size();
+    return !full_ && target()->WriteFile(path, bytes);
+  }
 
  private:
+  std::size_t room_;
   std::u16string temp_;
+  bool full_ = false;
 };
 
 // The schedule fits, a later document does not; with room the same run packs the sample.

@@ -56,10 +56,6 @@ TEST(AtomicFile, CopyReplacesWholeOrLeavesTheDestinationAsItWas) {
   }
   EXPECT_FALSE(CopyFileWhole(U16(src), U16(dir.Sub("nowhere/dst.bin"))));
   EXPECT_EQ(qvtest::ListDir(dir.Sub("out")), std::vector<std::string>{"dst.bin"});
-
-  EXPECT_TRUE(SyncFile(U16(dst)) && RenameOver(U16(dst), U16(dir.Sub("renamed"))));
-  EXPECT_EQ(ReadFile(dir.Sub("renamed")), "new");
-  EXPECT_FALSE(RenameOver(U16(dst), U16(dir.Sub("renamed"))));
 }
 
 // The standard output is read while the program runs, also when it is more than a pipe holds; the

@@ -1,7 +1,6 @@
 // Paths taken as Windows takes them on NTFS: the cleanup of the text, names compared without regard
-// to case, what a listing gives and in which order.  What copies keep: the times through whole
-// runs (tests/blackbox/windows_projects_test.cpp), the read-only flag through moves
-// (tests/workspace/file_tree_test.cpp).
+// to case, what a name may hold, what a path opens and what is made.  A listing's order, what
+// copies keep: tests/blackbox/windows_projects_test.cpp.
 #include "platform/file_system.h"
 #include "platform/ntfs_names.h"
 #include "platform/win32_path.h"
@@ -107,26 +106,6 @@ TEST(WindowsLookup, PathsOpenWhatWindowsOpens) {
   // Nothing is made under a name that Windows cannot hold.
   EXPECT_FALSE(WriteFile(U16(p + "/Project/report:1.xml"), "x"));
   EXPECT_EQ(MakeDirectory(U16(p + "/Project/a?")), MakeDirResult::kFailed);
-}
-
-// Upper-cased first, then by the units themselves: "alarm" before "Fire", "B" before "b"; a
-// listing and NtfsLess agree on that order.
-TEST(WindowsLookup, ListingOrderAndWhatWindowsCannotName) {
-  ScratchDir dir;
-  for (const char* name : {"Interrupt_Fire.csv", "Interrupt_alarm.csv", "Interrupt", "z", "_x", "é",
-                           "Schedule.csv:Zone.Identifier", "b", "B", "x.", "x", "ｚ"})
-    qvtest::WriteFile(dir.Sub(name), name);
-  std::vector<DirEntry> entries;
-  ASSERT_TRUE(ListDirectory(U16(dir.path()), &entries));
-  std::string listed;
-  std::vector<std::u16string> names, sorted;
-  for (const DirEntry& e : entries) listed += U8(e.name) + (e.windows_name ? " " : "(no) ");
-  for (const DirEntry& e : entries) names.push_back(e.name), sorted.insert(sorted.begin(), e.name);
-  EXPECT_EQ(listed,
-            "B b Interrupt Interrupt_alarm.csv Interrupt_Fire.csv Schedule.csv:Zone.Identifier(no) "
-            "x x.(no) z _x é ｚ ");
-  std::sort(sorted.begin(), sorted.end(), [](auto& a, auto& b) { return NtfsLess(a, b); });
-  EXPECT_EQ(sorted, names);
 }
 
 }  // namespace
