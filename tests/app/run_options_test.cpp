@@ -1,6 +1,6 @@
 // The command line, the display region and the parameter file: what each accepts, sets and
-// refuses; unknown kinds in the dispatch; a full disk (faked through the Env) while a conversion
-// writes its XML documents: an unknown failure that delivers nothing.
+// refuses; a full disk (faked through the Env) while a conversion writes its XML documents: an
+// unknown failure that delivers nothing.
 #include <type_traits>
 
 #include "app/run/parameter_file.h"
@@ -137,15 +137,6 @@ TEST(ParameterFile, AllowedValuesDefaultsAndFailures) {
 
 // The failure codes pass every handler of standard exceptions on their way out.
 static_assert(!std::is_convertible_v<QvConvException*, std::exception*>);
-
-TEST(DispatchDeathTest, UnknownKindsEndWith997) {
-  QvConvRunConfig bad_kind(u"in", u"out");
-  bad_kind.SetOutputKind(3);
-  EXPECT_EXIT(Dispatch(bad_kind), testing::ExitedWithCode(-997 & 0xff), "");
-  bad_kind.SetOutputKind(KindProject);
-  bad_kind.SetInputKind(-1);
-  EXPECT_EXIT(Dispatch(bad_kind), testing::ExitedWithCode(-997 & 0xff), "");
-}
 
 // A disk with room for `room` bytes of whole files written, whose temporary folder is `temp`: a
 // file that does not fit fails and writes nothing, and so does everything after it.
