@@ -7,7 +7,6 @@
 #include "app/run/run_control.h"
 #include "base/qv_conv_exception.h"
 #include "base/qv_conv_run_config.h"
-#include "tests/support/fake_env.h"
 #include "tests/support/test_support.h"
 
 namespace {

@@ -6,7 +6,6 @@
 #include "checker/qv_ch_message.h"
 #include "checker/qv_ch_table.h"
 #include "checker/qv_checker.h"
-#include "tests/support/fake_env.h"
 #include "tests/support/test_support.h"
 #include "xml/qvf_xml_document.h"
 

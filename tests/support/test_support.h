@@ -1,6 +1,6 @@
 // Helpers shared by the unit and black-box tests: a scratch folder per test, whole files, code
-// page 932 text, zips, and running a program.  Tests may call the system directly; the product
-// may not.
+// page 932 text, zips, running a program, and Envs (platform/env.h) that tests install.  Tests may
+// call the system directly; the product may not.
 #ifndef QV_TESTS_SUPPORT_TEST_SUPPORT_H_
 #define QV_TESTS_SUPPORT_TEST_SUPPORT_H_
 
@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <ctime>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -19,6 +20,7 @@
 #include <vector>
 
 #include "base/qv_conv_exception.h"
+#include "platform/env.h"
 
 namespace qvtest {
 
@@ -122,6 +124,29 @@ struct ZipEntry {
 std::string StoredZip(const std::vector<ZipEntry>& entries);
 // The names of a zip file's central directory, in order, with their UTF-8 flags.
 std::vector<std::pair<std::string, bool>> ZipNames(const std::string& zip);
+
+// The system's Env, current while this lives, with the calls a test overrides: a clock that stands
+// still, files that stand but cannot be read.  Every call they do not fake reaches the system.
+class FakeEnv : public quorvane::platform::EnvWrapper {
+ public:
+  FakeEnv() : EnvWrapper(quorvane::platform::Env::Default()), scope_(this) {}
+
+ private:
+  quorvane::platform::ScopedEnv scope_;
+};
+class FixedClock : public FakeEnv {
+ public:
+  explicit FixedClock(const std::tm& now) : now_(now) {}
+  std::tm LocalNow() override { return now_; }
+
+ private:
+  std::tm now_;
+};
+class UnreadableFiles : public FakeEnv {
+ public:
+  bool ReadFile(std::u16string_view, std::string*) override { return false; }
+  bool ReadFilePrefix(std::u16string_view, std::size_t, std::string*) override { return false; }
+};
 
 }  // namespace qvtest
 

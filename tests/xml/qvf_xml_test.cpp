@@ -4,7 +4,6 @@
 #include <ctime>
 
 #include "model/qvf_records.h"
-#include "tests/support/fake_env.h"
 #include "tests/support/test_support.h"
 #include "xml/qvf_read_xml.h"
 #include "xml/qvf_write_xml.h"
