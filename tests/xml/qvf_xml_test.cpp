@@ -1,6 +1,5 @@
-// The XML layer: parsing (also of hostile files) and the bytes written; scenario documents in
-// round trips in both vocabularies, values written only when set, and hand-written documents with
-// the rules of walking them.
+// The XML layer: parsing (also of hostile files) and the bytes written; programs and playlists in
+// round trips in both vocabularies, and hand-written documents with the rules of walking them.
 #include <ctime>
 
 #include "model/qvf_records.h"
@@ -150,7 +149,7 @@ INSTANTIATE_TEST_SUITE_P(DebugIsTrue, XmlVocabularies, testing::Bool(),
 // what never: the outlines of whole conversions, tests/blackbox/conversion_test.cpp.)
 TEST(XmlDocuments, HandWrittenDocuments) {
   qvtest::ScratchDir dir;
-  const auto hand = [&](const std::string& text) {
+  const auto write = [&](const std::string& text) {
     return qvtest::WriteFile(dir.Sub("d.xml"), text), U16(dir.Sub("d.xml"));
   };
   // Only element nodes count; the second list is not read; only "true" in any casing (or "t") is a
@@ -158,8 +157,8 @@ TEST(XmlDocuments, HandWrittenDocuments) {
   QvFReadXml reader(false);
   const auto entries =
       reader
-          .readSchedule(hand("<qv><!-- c -->\n  <sl><s df=\"t\" dt=\"2024/3/9\"/>"
-                             "<s df=\"TRUE\"/><s df=\"1\"/><x/><s/></sl><sl><s/></sl></qv>"))
+          .readSchedule(write("<qv><!-- c -->\n  <sl><s df=\"t\" dt=\"2024/3/9\"/>"
+                              "<s df=\"TRUE\"/><s df=\"1\"/><x/><s/></sl><sl><s/></sl></qv>"))
           .schedule_list.schedules;
   ASSERT_EQ(entries.size(), 4u);
   EXPECT_EQ(entries[0].date.tm_mon * 100 + entries[0].date.tm_mday, 209);
@@ -167,7 +166,7 @@ TEST(XmlDocuments, HandWrittenDocuments) {
 
   // Two lists add up; within a table the last row of a kind stands, and a
   // table may hold both kinds; unknown children and attributes pass.
-  const auto hand = reader.readTimeTable(hand(
+  const auto hand = reader.readTimeTable(write(
       "<tt><tl><tb><pg rp=\"PG1\"/><pg rp=\"PG2\" st=\"7:5:1\"/><co tp=\"abc\" ti=\"x\"/><zz/></tb>"
       "</tl><other/><tl><tb/><tb><co tp=\"12\"/><co st=\"10:11\"/></tb></tl></tt>"));
   const auto& rows = hand->table_list.tables;
@@ -179,9 +178,9 @@ TEST(XmlDocuments, HandWrittenDocuments) {
 
   // Programs and playlists in any order, with unknown words and bad colours.
   const auto read = reader.readProgram(
-      hand("<pgp><!-- panes first --><pai><x/><pa><plf tp=\"t\"><pa/></plf><re x=\"1\" y=\"2\"/>"
-           "<re x=\"5\"/></pa><pg><pa/></pg><pa><plf tp=\"contents\"/></pa></pai><pgi>"
-           "<plf tp=\"s\"/></pgi></pgp>"));
+      write("<pgp><!-- panes first --><pai><x/><pa><plf tp=\"t\"><pa/></plf><re x=\"1\" y=\"2\"/>"
+            "<re x=\"5\"/></pa><pg><pa/></pg><pa><plf tp=\"contents\"/></pa></pai><pgi>"
+            "<plf tp=\"s\"/></pgi></pgp>"));
   EXPECT_EQ(read->program_info.playlist_file.type, Int(kPaneSound));
   // Nested panes and panes outside the list are no panes of the program; of two regions the last
   // stands.
@@ -194,9 +193,9 @@ TEST(XmlDocuments, HandWrittenDocuments) {
   // Kinds without a record are left out; debug words in a compact document
   // are unknown (stop_last and stop); a telop's colour is passed over.
   const QvFPlaylist playlist = reader.readPlaylist(
-      hand("<pl><o><m/></o><c/><u><i/></u><a/><p><t/></p><cc><n/></cc><x/><m vo=\" 12x\">"
-           "<pt ce=\"next\" to=\"continue\"/></m><i tp=\"tiff\" a=\"7\"><ie tp=\"wipe\" "
-           "d=\"none\"/></i><t><bc c=\"not a colour\"/></t><pl><m/></pl></pl>"));
+      write("<pl><o><m/></o><c/><u><i/></u><a/><p><t/></p><cc><n/></cc><x/><m vo=\" 12x\">"
+            "<pt ce=\"next\" to=\"continue\"/></m><i tp=\"tiff\" a=\"7\"><ie tp=\"wipe\" "
+            "d=\"none\"/></i><t><bc c=\"not a colour\"/></t><pl><m/></pl></pl>"));
   ASSERT_EQ(playlist.contents.size(), 3u);
   const QvFMovie& bare = Item<QvFMovie>(playlist, 0);
   EXPECT_EQ(std::vector({bare.volume, bare.play_time.content_end, bare.play_time.timeout}),
@@ -206,13 +205,13 @@ TEST(XmlDocuments, HandWrittenDocuments) {
                          odd.image_effect->type.value_or(-1)}),
             std::vector<int>({4, 2, 0, kEffectNone}));
 
-  EXPECT_THROW(reader.readProgram(hand("<pgp><pgi><bc c=\"102030\"/></pgi></pgp>")),
+  EXPECT_THROW(reader.readProgram(write("<pgp><pgi><bc c=\"102030\"/></pgi></pgp>")),
                std::out_of_range);
-  EXPECT_THROW(reader.readPlaylist(hand("<pl><n><bc c=\"0X112233\"/></n></pl>")),
+  EXPECT_THROW(reader.readPlaylist(write("<pl><n><bc c=\"0X112233\"/></n></pl>")),
                std::out_of_range);
   // A root of another name, or of the other vocabulary, gives an empty record.
-  EXPECT_TRUE(reader.readPlaylist(hand("<pgp><m/></pgp>")).contents.empty());
-  EXPECT_TRUE(reader.readPlaylist(hand("<playlist><movie/></playlist>")).contents.empty());
+  EXPECT_TRUE(reader.readPlaylist(write("<pgp><m/></pgp>")).contents.empty());
+  EXPECT_TRUE(reader.readPlaylist(write("<playlist><movie/></playlist>")).contents.empty());
 }
 
 }  // namespace
