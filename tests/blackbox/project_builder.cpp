@@ -217,9 +217,9 @@ std::string ExitLine(const std::string& log) {
   return log.size() < 2 || text < 2 ? "" : log.substr(text, log.size() - text - 1);
 }
 
-std::vector<std::string> RunEnv(const std::string& temp, const std::string& locale) {
+std::vector<std::string> RunEnv(const std::string& temp) {
   MakeDirs(temp);
-  return {"TMPDIR=" + temp, "LC_ALL=" + locale, "LANG=" + locale, "LC_MESSAGES=" + locale};
+  return {"TMPDIR=" + temp, "LC_ALL=C", "LANG=C", "LC_MESSAGES=C"};
 }
 
 std::string BlackBoxTest::Extracted() {

@@ -11,7 +11,6 @@ namespace qvtest {
 
 using Row = std::vector<std::string>;
 using Rows = std::vector<Row>;
-
 using Cell = const std::string&;  // a field in UTF-8
 
 // A whole CSV file: fields given in UTF-8, escaped, in code page 932, CR LF.
@@ -107,8 +106,7 @@ struct XmlNode {
     return attrs.count(attr) ? attrs.at(attr) : "";
   }
   std::vector<const XmlNode*> All(const std::string& child) const;
-  // The first; an empty node and a failure if none.
-  const XmlNode& At(const std::string& child) const;
+  const XmlNode& At(const std::string& child) const;  // the first; if none, a failure
 };
 // The tree as text, one element a line, indented one space a level: "name a=1 b=2: text"
 // (attributes sorted, text only when not blank).
@@ -117,11 +115,11 @@ XmlNode ParseXml(const std::string& path);  // a test failure and an empty node 
 void Unzip(const std::string& zip, const std::string& folder);
 // The files below a folder with the stamps of their names as "S", sorted: two runs compare.
 std::vector<std::string> Unstamped(const std::string& folder);
-// The work folders runs left in <temp>/QvConv; the environment of a run: TMPDIR and locale.
+// The work folders runs left in <temp>/QvConv; the environment of a run: TMPDIR, the C locale.
 inline std::vector<std::string> WorkFolders(const std::string& temp) {
-  return IsDir(temp + "/QvConv") ? ListDir(temp + "/QvConv") : std::vector<std::string>{};
+  return ListDir(temp + "/QvConv");
 }
-std::vector<std::string> RunEnv(const std::string& temp, const std::string& locale = "C");
+std::vector<std::string> RunEnv(const std::string& temp);
 
 // The last line of a run's log, without its process id and line end.
 std::string ExitLine(const std::string& log);
@@ -133,9 +131,8 @@ class BlackBoxTest : public ::testing::Test {
   std::string temp_ = scratch_.Sub("tmp"), project_ = scratch_.Sub("project");
   std::string zip_ = scratch_.Sub("out.zip"), report_ = scratch_.Sub("report.xml");
   ProjectBuilder p_{project_};
-  std::string locale_ = "C";
 
-  // Runs on project_ (or `input`) with the own temporary folder and locale_.
+  // Runs on project_ (or `input`) with the own temporary folder.
   RunResult Package(const std::string& input = "") { return RunOn(input, "-package" + zip_); }
   RunResult Check(const std::string& input = "") { return RunOn(input, "-check" + report_); }
   RunResult Unpackage(const std::string& zip, const std::string& to) {
@@ -151,7 +148,7 @@ class BlackBoxTest : public ::testing::Test {
 
  private:
   RunResult RunOn(const std::string& input, const std::string& option) {
-    return RunQv({input.empty() ? project_ : input, option}, RunEnv(temp_, locale_));
+    return RunQv({input.empty() ? project_ : input, option}, RunEnv(temp_));
   }
   std::string extracted_;
 };

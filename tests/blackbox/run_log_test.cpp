@@ -18,7 +18,7 @@ class RunLog : public BlackBoxTest {
   std::string Logged(std::vector<std::string> args, int status, std::vector<std::string> env = {}) {
     RemoveAll(log_);
     args.push_back("-log" + log_);
-    const RunResult r = RunQv(args, env.empty() ? RunEnv(temp_, locale_) : env);
+    const RunResult r = RunQv(args, env.empty() ? RunEnv(temp_) : env);
     EXPECT_EQ(r.status, status) << r.output;
     EXPECT_EQ(r.output, "");
     return Exists(log_) ? ReadFile(log_) : "";
