@@ -37,8 +37,7 @@ TEST_F(Cli, RefusedCommandLinesAre255AndTouchNothing) {
       {zip_, "-unpackage''", "-check''"},             // a check run has no destination
   };
   for (const auto& args : refused) EXPECT_EQ(Qv(args), 255) << testing::PrintToString(args);
-  EXPECT_TRUE(ListDir(temp_).empty());
-  EXPECT_TRUE(ListDir(project_).empty());
+  EXPECT_TRUE(ListDir(temp_).empty() && ListDir(project_).empty());
   EXPECT_EQ(ListDir(dest_), std::vector<std::string>{"keep.txt"});
 }
 

@@ -121,8 +121,7 @@ TEST_F(HostileRuns, ConversionsChecksAndOpeningsSideBySide) {
       own_telops += file.find(".tlp=") != std::string::npos && file.find(own) != std::string::npos;
     EXPECT_EQ(own_telops, 1) << i << ": the project holds another package's telop";
   }
-  EXPECT_EQ(check, 1);
-  EXPECT_TRUE(Exists(report_));
+  EXPECT_TRUE(check == 1 && Exists(report_));
   // What the runs leave: no work folder, no opened package, no probe folder.
   EXPECT_TRUE(WorkFolders(temp_).empty());
   EXPECT_FALSE(Exists(temp_ + "/chktemp") || Exists(temp_ + "/unzip"));
