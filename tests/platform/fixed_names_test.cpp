@@ -89,7 +89,8 @@ TEST_F(FixedNames, FreeLockNameIsMadeOursAndExclusiveBetweenProcesses) {
   // count that lock as its own: it takes the file that the name stands for now.
   auto holder =
       RunProgram({"sh", "-c",
-                  "umask 077; flock \"$0\" sh -c 'touch \"$0.held\"; sleep 0.3; rm \"$0\"' \"$0\" &"
+                  "umask 077; flock \"$0\" sh -c 'touch \"$0.held\"; sleep 0.3; rm \"$0\"' \"$0\" "
+                  ">/dev/null 2>&1 & "
                   "while [ ! -e \"$0.held\" ]; do sleep 0.01; done",
                   lock_file});
   ASSERT_EQ(holder.status, 0);
