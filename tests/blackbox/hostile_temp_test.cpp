@@ -1,10 +1,8 @@
-// Another user of the machine plants the fixed names of the shared temporary folder before a run:
-// as links (to the user's own folder or file, dangling, hard), as folders of their own or that
-// anyone may write, as files others may write, as pipes.  Every run that uses the name ends with
-// -3 before it extracts, writes or removes anything, and what the links point to keeps exactly
-// what it held; a run that does not use the name is not disturbed.  A killed probe's leftovers
-// cannot turn a plain archive into a package.  (The shared folder's own modes:
-// tests/platform/fixed_names_test.cpp.)
+// Another user plants the fixed names of the shared temporary folder before a run: as links, as
+// folders of their own or that anyone may write, as files others may write, as pipes.  Every run
+// that uses the name ends with -3 before it extracts, writes or removes anything, and what the
+// links point to keeps exactly what it held; a run that does not use the name is not disturbed.  A
+// killed probe's leftovers cannot turn a plain archive into a package.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>

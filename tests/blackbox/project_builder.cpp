@@ -86,25 +86,20 @@ void BuildCleanProject(ProjectBuilder& p) {
        ProgramLine("12:00:00", "18:00:00", "Program_ads"), CommandLine("18:00:00", "3", "HDMI1")});
   p.TimeTable("TimeTable_weekend.csv", "Weekend",
               {ProgramLine("10:00:00", "20:00:00", "Program_ads")});
-  ProgramShape news, ads;
-  news.title = "ニュース", news.panes = {Pane{1, 0, 0, 1920, 900}, Pane{5, 0, 900, 1920, 180}};
-  ads.title = "Advertising", ads.background = "0x000000", ads.panes = {Pane{1, 0, 0, 1920, 1080}};
   Item movie = MovieItem("オープニング.mp4"), logo = ImageItem("ロゴ.png"),
-       photo = ImageItem("photo.jpeg", "258", "1000");
-  movie.volume = "80", logo.color = "0xffffff", logo.aspect = "1",
-  photo.aspect = "2";  // photo: a wipe, upwards
-  for (const char* folder :
-       {"ニュース番組", "Program_ads"})  // the unused playlists of panes 0 to 7: empty files
-    for (int n = 0; n <= 7; ++n)
-      p.File(std::string(folder) + "/playlist_" + std::to_string(n) + ".csv", "");
-  p.Program("ニュース番組", news);
+       photo = ImageItem("photo.jpeg", "258", "1000");  // photo: a wipe, upwards
+  movie.volume = "80", logo.color = "0xffffff", logo.aspect = "1", photo.aspect = "2";
+  // The unused playlists of panes 0 to 7: empty files.
+  for (const std::string folder : {"ニュース番組", "Program_ads"})
+    for (int n = 0; n <= 7; ++n) p.File(folder + "/playlist_" + std::to_string(n) + ".csv", "");
+  p.Program("ニュース番組",
+            {.title = "ニュース", .panes = {Pane{1, 0, 0, 1920, 900}, Pane{5, 0, 900, 1920, 180}}});
   p.Playlist("ニュース番組", 1, {movie, logo, photo});
   p.Playlist("ニュース番組", 5, {TelopItem("お知らせ.tlp")});
-  p.Program("Program_ads", ads);
+  p.Program("Program_ads", {.title = "Advertising", .background = "0x000000", .panes = {Pane{1}}});
   p.Playlist("Program_ads", 1, {ImageItem("ロゴ.png"), BlankItem()});
-  p.Content("オープニング.mp4", kMovieBytes), p.Content("ロゴ.png", "logo"),
-      p.Content("photo.jpeg", "photo");
-  p.Content("お知らせ.tlp", Cp932(CleanTelopUtf8()));
+  p.Content("オープニング.mp4", kMovieBytes), p.Content("ロゴ.png", "logo");
+  p.Content("photo.jpeg", "photo"), p.Content("お知らせ.tlp", Cp932(CleanTelopUtf8()));
 }
 
 void BuildTimeTableProject(ProjectBuilder& p) {
