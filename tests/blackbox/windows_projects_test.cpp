@@ -4,8 +4,8 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <array>
 #include <filesystem>
-#include <tuple>
 
 #include "tests/blackbox/project_builder.h"
 
@@ -21,14 +21,6 @@ class WindowsProjects : public BlackBoxTest {
     const std::string folder = scratch_.Sub("unzipped" + std::to_string(++unzipped_));
     return Unzip(zip, folder), Contents(folder);
   }
-  void Rename(const std::string& from, const std::string& to) {
-    fs::rename(p_.Path(from), p_.Path(to));
-  }
-  // Replaces the first `from` in the bytes of a project file.
-  void Edit(const std::string& file, const std::string& from, const std::string& to) {
-    std::string bytes = ReadFile(p_.Path(file));
-    WriteFile(p_.Path(file), bytes.replace(bytes.find(from), from.size(), to));
-  }
   int unzipped_ = 0;
 };
 
@@ -39,45 +31,42 @@ TEST_F(WindowsProjects, RenamedOrPaddedNamesConvertWhole) {
   const auto reference = Members(zip_);
   const std::string pristine = scratch_.Sub("pristine");
   fs::copy(project_, pristine, fs::copy_options::recursive);
-  const std::tuple<const char*, std::function<void()>, std::string> cases[] = {
+  // Each change: in `file` the first `from` becomes `to`, or without a file, `from` is renamed.
+  using Change = std::array<std::string, 3>;
+  const std::pair<const char*, std::vector<Change>> cases[] = {
       {"a time table stored in another case",
-       [&] { Rename("TimeTable_weekend.csv", "timetable_WEEKEND.csv"); }, ""},
+       {{"", "TimeTable_weekend.csv", "timetable_WEEKEND.csv"}}},
       {"a program folder and its information folder in another case",
-       [&] {
-         Rename("Program_ads", "PROGRAM_ADS");
-         Rename("PROGRAM_ADS/information", "PROGRAM_ADS/Information");
-       },
-       ""},
+       {{"", "Program_ads", "PROGRAM_ADS"},
+        {"", "PROGRAM_ADS/information", "PROGRAM_ADS/Information"}}},
       {"the content folder and a content file in another case",
-       [&] {
-         Rename("contents", "Contents"), Rename("Contents/photo.jpeg", "Contents/PHOTO.Jpeg");
-       },
-       ""},
+       {{"", "contents", "Contents"}, {"", "Contents/photo.jpeg", "Contents/PHOTO.Jpeg"}}},
       {"names in cells padded with a blank or a dot",
-       [&] {
-         Edit("Schedule.csv", "TimeTable_weekend.csv", "TimeTable_weekend.csv ");
-         Edit("平日.csv", "Program_ads", "Program_ads.");
-         Edit("TimeTable_weekend.csv", "Program_ads", "Program_ads.");
-         Edit("Program_ads/playlist_1.csv", "_001.csv", "_001.csv  ");
-         Edit("Program_ads/playlist_1.csv", "_002.csv", "_002.csv.");
-       },
-       ""},
+       {{"Schedule.csv", "TimeTable_weekend.csv", "TimeTable_weekend.csv "},
+        {"平日.csv", "Program_ads", "Program_ads."},
+        {"TimeTable_weekend.csv", "Program_ads", "Program_ads."},
+        {"Program_ads/playlist_1.csv", "_001.csv", "_001.csv  "},
+        {"Program_ads/playlist_1.csv", "_002.csv", "_002.csv."}}},
       {"a step through a folder that is not there",
-       [&] {
-         Edit("Program_ads/playlist_1.csv", "contents_1_001", "old\\\\..\\\\contents_1_001");
-         Edit("Program_ads/playlist_1.csv", "information\\\\contents_1_002",
-              "information/./contents_1_002");
-       },
-       ""},
-      {"the project folder named in another case", [] {}, "PROJECT"},
+       {{"Program_ads/playlist_1.csv", "contents_1_001", "old\\\\..\\\\contents_1_001"},
+        {"Program_ads/playlist_1.csv", "information\\\\contents_1_002",
+         "information/./contents_1_002"}}},
   };
-  for (const auto& [what, change, input] : cases) {
+  for (const auto& [what, changes] : cases) {
     RemoveAll(project_), RemoveAll(zip_);
     fs::copy(pristine, project_, fs::copy_options::recursive);
-    change();
-    EXPECT_EQ(Package(input.empty() ? "" : scratch_.Sub(input)).status, 0) << what;
+    for (const auto& [file, from, to] : changes) {
+      std::string bytes = file.empty() ? "" : ReadFile(p_.Path(file));
+      file.empty() ? fs::rename(p_.Path(from), p_.Path(to))
+                   : WriteFile(p_.Path(file), bytes.replace(bytes.find(from), from.size(), to));
+    }
+    EXPECT_EQ(Package().status, 0) << what;
     EXPECT_EQ(Members(zip_), reference) << what;
   }
+  // The project folder named in another case.
+  RemoveAll(zip_);
+  EXPECT_EQ(Package(scratch_.Sub("PROJECT")).status, 0);
+  EXPECT_EQ(Members(zip_), reference);
 }
 
 // What a copy of a downloaded project leaves beside each file is no second schedule; of two
