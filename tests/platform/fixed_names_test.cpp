@@ -2,7 +2,6 @@
 // a lock is exclusive between processes, and a shared folder that anyone may rearrange holds
 // nothing of ours.  Whatever someone planted under a fixed name before whole runs:
 // tests/blackbox/hostile_temp_test.cpp.
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 

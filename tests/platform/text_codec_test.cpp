@@ -57,11 +57,6 @@ bool ReadVendorTable(const std::string& path, VendorTable& table) {
   return !table.single.empty() && !table.lead.empty() && !table.wide.empty();
 }
 
-std::string Bytes(int code) {
-  return code < 0x100 ? std::string(1, static_cast<char>(code))
-                      : std::string{static_cast<char>(code >> 8), static_cast<char>(code & 0xFF)};
-}
-
 std::string Hex(std::u16string_view text) {
   std::string out;
   char unit[8];
@@ -107,7 +102,10 @@ TEST(TextCodecCp932, EveryByteEveryPairEveryCharacterAsTheVendorTableSays) {
   std::string plane_bytes;
   for (int c = 0; c < 0x10000; ++c) {
     const auto listed = table.wide.find(static_cast<char16_t>(c));
-    const std::string want = listed == table.wide.end() ? "?" : Bytes(listed->second);
+    const int code = listed == table.wide.end() ? '?' : listed->second;
+    const std::string want =
+        code < 0x100 ? std::string(1, static_cast<char>(code))
+                     : std::string{static_cast<char>(code >> 8), static_cast<char>(code & 0xFF)};
     const std::u16string one(1, static_cast<char16_t>(c));
     expect("character" + Hex(one), Cp932FromUtf16(one), want);
     plane += one, plane_bytes += want;

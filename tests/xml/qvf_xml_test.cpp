@@ -1,7 +1,5 @@
 // The XML layer: parsing (also of hostile files) and the bytes written; programs and playlists in
 // round trips in both vocabularies, and hand-written documents with the rules of walking them.
-#include <ctime>
-
 #include "model/qvf_records.h"
 #include "tests/support/test_support.h"
 #include "xml/qvf_read_xml.h"
