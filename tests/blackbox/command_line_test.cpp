@@ -1,8 +1,6 @@
 // The command line at the process boundary: every refusal is status 255 (-1), prints nothing and
-// touches nothing; values may be quoted, options come in any order, and an empty argument ends the
-// line.  A plain archive opened with -unpackage replaces what the destination held; what is no
-// archive leaves no destination.  Runs through a conversion parameter file: every cell of the
-// dispatch table that the command line cannot reach.
+// touches nothing; quotes, any order, an empty argument ends the line; plain archives opened with
+// -unpackage.  Runs through a parameter file: the dispatch cells the command line cannot reach.
 #include "tests/blackbox/project_builder.h"
 
 namespace qvtest {

@@ -1,7 +1,5 @@
-// The checker: the message catalogue in both languages; a checker with a begun report, files
-// written into a scratch folder and the Results read back, over layouts, contents, telops,
-// schedules, time tables and programs, and unreadable files.  Panes and files of findings in a
-// whole report: tests/blackbox/check_report_test.cpp.
+// The checker, on files in a scratch folder, its report read back: the message catalogue in both
+// languages; layouts, contents, telops, schedules, time tables, programs, unreadable files.
 #include "base/qv_conv_exception.h"
 #include "checker/qv_ch_message.h"
 #include "checker/qv_ch_table.h"

@@ -1,9 +1,7 @@
-// Trees that the archive tool extracted.  Their names settled as 7-Zip on Japanese Windows makes
-// them: code page 932 names decoded, "\" made into folders, no link kept, no entry lost where names
-// meet (names that would climb out: tests/blackbox/archive_names_test.cpp).  Their removal on
-// folder descriptors: nothing outside is touched, whatever links the tree holds at whatever depth;
-// names that are not UTF-8, read-only files and folders that may not be read or written all go.
-// A tree of any depth is settled and removed with few descriptors.
+// Trees the archive tool extracted: names settled as 7-Zip on Japanese Windows makes them (code
+// page 932 decoded, "\" made into folders, no link kept, no entry lost where names meet); removal
+// on folder descriptors that touches nothing outside, whatever links lie within, and takes every
+// odd name, read-only file and locked folder; trees of any depth with few descriptors.
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>

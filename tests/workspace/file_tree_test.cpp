@@ -1,7 +1,6 @@
 // Moves of trees: folders merge into a destination that must exist, names in use in any case keep
-// their spelling, times and read-only flags come along.  (Copies of the output: the parameter runs
-// in tests/blackbox/command_line_test.cpp.)  The work folder of a run: below the temporary folder
-// in QvConv, named by the time and a new UUID.
+// their spelling, times and read-only flags come along.  The work folder of a run: below the
+// temporary folder in QvConv, named by the time and a new UUID.
 #include "workspace/file_tree.h"
 
 #include <fcntl.h>
