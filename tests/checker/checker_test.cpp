@@ -57,15 +57,12 @@ class CheckerHarness {
   // Every Result of the report in document order; Kinds() gives "id:kind@pane" of each.
   std::vector<ReportResult> Results() const {
     std::vector<ReportResult> results;
-    xml::ForEachChildElement(checker.check_result, [&](xercesc::DOMElement* data) {
-      xml::ForEachChildElement(data, [&](xercesc::DOMElement* r) {
-        auto attr = [r](const char16_t* name) {
-          return U8(xml::QvFXmlDocument::getAttribute(r, name));
-        };
-        results.push_back({attr(u"id"), attr(u"kind"), attr(u"pane"), attr(u"file"),
-                           U8(reinterpret_cast<const char16_t*>(r->getTextContent()))});
-      });
-    });
+    for (const checker::QvChecker::CheckedFile& data : checker.check_data) {
+      for (const checker::QvChecker::Finding& r : data.results) {
+        results.push_back({U8(r.id), r.is_error ? "E" : "W",
+                           r.pane < 0 ? "" : std::to_string(r.pane), U8(r.file), U8(r.message)});
+      }
+    }
     return results;
   }
   std::string Kinds() const {

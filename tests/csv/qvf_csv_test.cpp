@@ -109,8 +109,8 @@ TEST(CsvFileWrite, ExactBytesRoundTripAndFailures) {
   EXPECT_EQ(qvtest::ReadFile(dir.Sub("b.csv")), "");
 }
 
-// While reads are shared, the bytes of the last file read serve the next read of the same path
-// once; another path, a failed read or the end of the sharing lets the file be read again.
+// While reads are shared, the bytes (or rows) of the last file read serve the next read of the same
+// path once; another path, a failed read or the end of the sharing lets the file be read again.
 TEST(CsvFileRead, SharedReadsServeTheNextReadOfTheSamePathOnce) {
   qvtest::ScratchDir dir;
   const std::u16string a = U16(dir.Sub("a.csv")), b = U16(dir.Sub("b.csv"));
@@ -135,6 +135,11 @@ TEST(CsvFileRead, SharedReadsServeTheNextReadOfTheSamePathOnce) {
     EXPECT_EQ(CodeOf([&] { first(a); }), -101);
     qvtest::WriteFile(dir.Sub("a.csv"), "4\r\n");
     EXPECT_EQ(first(a), u"4");
+    qvtest::WriteFile(dir.Sub("a.csv"), "\\x\r\n");
+    first(b);
+    EXPECT_EQ(CodeOf([&] { first(a); }), -102);
+    qvtest::WriteFile(dir.Sub("a.csv"), "7\r\n");
+    EXPECT_EQ(CodeOf([&] { first(a); }), -102);  // bytes that did not parse, parsed again
     qvtest::WriteFile(dir.Sub("a.csv"), "5\r\n");
   }
   EXPECT_EQ(first(a), u"5");  // nothing kept once the sharing has ended
