@@ -223,10 +223,12 @@ bool system::ListDirectory(std::u16string_view path, std::vector<DirEntry>* entr
     DirEntry entry;
     entry.name = PathFromNative(name);
     entry.windows_name = IsWindowsName(entry.name);
-    struct stat st;
-    if (::fstatat(dir_fd, name, &st, AT_SYMLINK_NOFOLLOW) == 0) {
-      entry.is_directory = S_ISDIR(st.st_mode);
-      entry.read_only = (st.st_mode & S_IWUSR) == 0;
+    if (e->d_type != DT_UNKNOWN) {
+      entry.is_directory = e->d_type == DT_DIR;
+    } else {
+      struct stat st;
+      entry.is_directory =
+          ::fstatat(dir_fd, name, &st, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(st.st_mode);
     }
     std::u16string key = NtfsUpper(entry.name);
     found.emplace_back(std::move(key), std::move(entry));

@@ -55,7 +55,6 @@ bool IsRegularFile(std::u16string_view path);
 struct DirEntry {
   std::u16string name;
   bool is_directory = false;  // a real folder, not a link to one
-  bool read_only = false;     // the owner may not write it
   // Windows could hold this name (ntfs_names.h); a listing as Windows gives
   // it has only these.  The others are listed so that a tree can be removed.
   bool windows_name = true;
