@@ -77,6 +77,9 @@ void QvConvCsvToXml::Run() {
     run_log::Step("work in", work);
     const std::u16string format = work + u"/QvFormat";
     MakeFolder(format, ExistingFolder::kFails);
+    // The content copy's scratch folder: nothing writes into it, but it is
+    // made all the same, and a run that stops leaves it with the work folder.
+    MakeFolder(work + u"/Temp", ExistingFolder::kFails);
 
     Guarded(codes::kReportNotBegun, [&] { createReport(); });
     display_region = config.DisplayRegion();

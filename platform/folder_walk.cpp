@@ -14,7 +14,7 @@ FolderWalk::~FolderWalk() {
   }
 }
 
-bool FolderWalk::Down(int fd, mode_t* mode) {
+bool FolderWalk::Down(int fd, struct stat* info) {
   levels_.push_back({});
   Level& level = levels_.back();
   level.fd = fd;
@@ -26,7 +26,7 @@ bool FolderWalk::Down(int fd, mode_t* mode) {
   if (::fstat(fd, &st) != 0) return false;
   level.device = st.st_dev;
   level.inode = st.st_ino;
-  if (mode != nullptr) *mode = st.st_mode;
+  if (info != nullptr) *info = st;
   return true;
 }
 

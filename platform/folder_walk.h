@@ -24,6 +24,7 @@
 #ifndef QV_PLATFORM_FOLDER_WALK_H_
 #define QV_PLATFORM_FOLDER_WALK_H_
 
+#include <sys/stat.h>
 #include <sys/types.h>
 
 #include <cstddef>
@@ -44,10 +45,10 @@ class FolderWalk {
   FolderWalk& operator=(const FolderWalk&) = delete;
 
   // Takes the open folder `fd` as the new deepest level, with no entries yet,
-  // and owns it from now on.  `mode` (if not null) gets its type and rights.
-  // False when the folder cannot be looked at (fstat): the level stands all
-  // the same, but cannot be found again through ".." once it is closed.
-  bool Down(int fd, mode_t* mode = nullptr);
+  // and owns it from now on.  `info` (if not null) gets what fstat tells of
+  // it.  False when the folder cannot be looked at (fstat): the level stands
+  // all the same, but cannot be found again through ".." once it is closed.
+  bool Down(int fd, struct stat* info = nullptr);
 
   // Leaves the deepest level and closes it.  When the level above had been
   // closed, it is opened again as described at the top; false if that fails

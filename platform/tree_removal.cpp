@@ -5,14 +5,32 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <utility>
+#include <vector>
 
 #include "platform/file_system.h"
 #include "platform/folder_descriptors.h"
 #include "platform/folder_walk.h"
 #include "platform/system_path.h"
+#include "platform/win32_path.h"
 
 namespace quorvane::platform {
 namespace {
+
+// The current folder of this process, which Windows does not let anyone
+// remove while it is in use: its device and inode, and its parent's.
+struct InUse {
+  InUse() {
+    struct stat st;
+    if (::stat(".", &st) == 0) self = {st.st_dev, st.st_ino};
+    if (::stat("..", &st) == 0) parent = {st.st_dev, st.st_ino};
+  }
+  std::pair<dev_t, ino_t> self{0, 0}, parent{0, 0};
+};
+
+bool Is(const struct stat& st, const std::pair<dev_t, ino_t>& folder) {
+  return st.st_dev == folder.first && st.st_ino == folder.second;
+}
 
 // The removal of what one open folder holds, one level at a time.
 class Walk {
@@ -35,7 +53,8 @@ class Walk {
           continue;
         }
         if (errno != EISDIR) return false;
-      } else if (::unlinkat(here, name, AT_REMOVEDIR) == 0 || errno == ENOENT) {
+      } else if (!holds_in_use_.back() &&
+                 (::unlinkat(here, name, AT_REMOVEDIR) == 0 || errno == ENOENT)) {
         // An empty folder goes at once, without being opened and listed.
         walk_.Pass();
         continue;
@@ -59,15 +78,22 @@ class Walk {
   // Takes the open folder `fd` as the new deepest level, its owner given the
   // rights to empty it.
   bool Enter(int fd) {
-    mode_t mode = 0;
-    if (!walk_.Down(fd, &mode)) return false;
-    if ((mode & S_IRWXU) != S_IRWXU) ::fchmod(fd, (mode & 07777) | S_IRWXU);
+    struct stat st {};
+    const bool known = walk_.Down(fd, &st);
+    in_use_.push_back(known && Is(st, current_.self));
+    holds_in_use_.push_back(known && Is(st, current_.parent));
+    if (!known) return false;
+    if ((st.st_mode & S_IRWXU) != S_IRWXU) ::fchmod(fd, (st.st_mode & 07777) | S_IRWXU);
     return ListOpenFolder(fd, &walk_.entries());
   }
 
-  // The deepest folder is empty: back to its parent, which removes it.
+  // The deepest folder is empty: back to its parent, which removes it, unless
+  // it is the current folder, where the removal stops.
   bool Leave() {
-    if (!walk_.Up()) return false;
+    const bool in_use = in_use_.back();
+    in_use_.pop_back();
+    holds_in_use_.pop_back();
+    if (!walk_.Up() || in_use) return false;
     if (::unlinkat(walk_.folder(), walk_.Current()->name.c_str(), AT_REMOVEDIR) != 0) {
       return false;
     }
@@ -76,6 +102,9 @@ class Walk {
   }
 
   FolderWalk walk_;
+  const InUse current_;
+  std::vector<bool> in_use_;        // for each level: it is the current folder
+  std::vector<bool> holds_in_use_;  // for each level: the current folder is in it
 };
 
 }  // namespace
@@ -86,8 +115,10 @@ bool RemoveTreeAt(int parent, const std::string& name) {
   const int folder = OpenSubfolder(parent, name);
   if (folder < 0) return false;
   const bool emptied = EmptyFolder(folder);
+  struct stat st;
+  const bool in_use = ::fstat(folder, &st) != 0 || Is(st, InUse().self);
   ::close(folder);
-  return emptied && ::unlinkat(parent, name.c_str(), AT_REMOVEDIR) == 0;
+  return emptied && !in_use && ::unlinkat(parent, name.c_str(), AT_REMOVEDIR) == 0;
 }
 
 bool RemoveTree(std::u16string_view path) {
@@ -95,7 +126,23 @@ bool RemoveTree(std::u16string_view path) {
   while (rest.size() > 1 && rest.back() == u'/') rest.remove_suffix(1);
   const std::size_t cut = rest.rfind(u'/');
   const std::u16string_view leaf = cut == rest.npos ? rest : rest.substr(cut + 1);
-  if (leaf.empty() || leaf == u"." || leaf == u"..") return false;
+  if (leaf.empty()) return false;
+  if (leaf == u"." || leaf == u"..") {
+    // "a/b/.." is "a" on the text, as Windows reads it.
+    const Win32Path clean = CleanWin32Path(path);
+    if (!clean.nameable) return false;
+    const std::u16string_view cleaned = clean.path;
+    if (cleaned != u"." && cleaned != u".." && !cleaned.ends_with(u"/..")) {
+      return RemoveTree(cleaned);
+    }
+    // The current folder or one above it: emptied as far as Windows gets
+    // (not the current folder itself, which is in use), never removed.
+    const int folder = ::open(SystemPath(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder < 0) return false;
+    EmptyFolder(folder);
+    ::close(folder);
+    return false;
+  }
   const std::u16string parent(cut == rest.npos ? u"." : cut == 0 ? u"/" : rest.substr(0, cut));
   const int folder = ::open(SystemPath(parent).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
   if (folder < 0) return false;

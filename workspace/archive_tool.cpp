@@ -129,7 +129,10 @@ void UnpackArchive(const std::u16string& archive, platform::PrivateFolder& folde
 }
 
 bool ProbeArchive(const std::u16string& archive) {
-  const platform::SharedFolder temp(platform::TempDirectory());
+  // The tool makes the folder it extracts into, and the missing folders that
+  // lead to it: a temporary folder that is not there yet comes into being.
+  const platform::SharedFolder temp(platform::TempDirectory(),
+                                    platform::SharedFolder::Missing::kMake);
   RequireReady(temp.status());
   // The probe folder has a fixed name: one run at a time fills, reads and
   // empties it.

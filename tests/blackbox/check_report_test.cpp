@@ -55,7 +55,9 @@ TEST_F(CheckReport, ScheduleFindingsOutcomesAndReport) {
   p_.File("Interrupt_1.csv", "anything"), p_.File("Interrupt_2.csv", "");
   RemoveAll(report_);
   EXPECT_EQ(Check().status, 2);
-  EXPECT_EQ(WorkFolders(temp_).size(), 1u);
+  ASSERT_EQ(WorkFolders(temp_).size(), 1u);  // with the content copy's unused scratch folder
+  EXPECT_EQ(ListDir(temp_ + "/QvConv/" + WorkFolders(temp_)[0]),
+            (std::vector<std::string>{"QvFormat/", "Temp/"}));
   EXPECT_EQ(Findings(Report(), {1}),
             "schedule SC0301 W  \ninterrupt EP0000 E  : Not support the special program table.\n");
   const std::string files = Outline(Report().At("CheckInfo"));  // one interrupt file, the last

@@ -1,5 +1,7 @@
 // Opening plain archives with -unpackage: the destination is emptied and receives the archive's
 // entries; what is no archive leaves no destination.
+#include <sys/stat.h>
+
 #include <string>
 #include <vector>
 
@@ -39,6 +41,50 @@ TEST_F(Unpackage, NoArchiveLeavesNoDestination) {
   EXPECT_FALSE(Exists(dest_));
   EXPECT_EQ(Open(scratch_.Sub("missing.zip")), 0);
   EXPECT_FALSE(Exists(dest_));
+}
+
+// Windows empties the current folder given as the destination, as far as it can: the folder itself
+// is in use and stays.
+TEST_F(Unpackage, TheCurrentFolderAsDestinationIsEmptied) {
+  const std::string zip = PlainZip("a.zip", "new.txt");
+  WriteFile(dest_ + "/old/stale.txt", "stale");
+  const RunResult run = qvtest::Run({"sh", "-c", "cd \"$1\" && exec \"$2\" \"$3\" -unpackage.", "sh",
+                             dest_, QV_BINARY, zip},
+                            RunEnv(temp_));
+  EXPECT_EQ(run.status, 0) << run.output;
+  EXPECT_EQ(ListDir(dest_), std::vector<std::string>{"new.txt"});
+}
+
+// The archive tool makes the folder it extracts into, with what leads to it: a probe into a
+// temporary folder that does not exist yet makes it.
+TEST_F(Unpackage, AMissingTemporaryFolderIsMadeByTheProbe) {
+  const std::string zip = PlainZip("a.zip", "file.txt");
+  const RunResult run = RunQv({zip, "-unpackage" + dest_}, RunEnv(scratch_.Sub("no/such/tmp")));
+  EXPECT_EQ(run.status, 0) << run.output;
+  EXPECT_EQ(ReadFile(dest_ + "/file.txt"), "a.zip");
+}
+
+// The tool is looked for as Windows looks for a program named without a folder: beside this
+// program first, then in the current folder, then on the search path.
+TEST_F(Unpackage, TheToolBesideTheProgramComesFirst) {
+  const std::string bin = scratch_.Sub("bin"), here = scratch_.Sub("here");
+  MakeDirs(bin), MakeDirs(here);
+  ASSERT_EQ(qvtest::Run({"cp", QV_BINARY, bin + "/qvConvApp"}).status, 0);
+  for (const std::string& folder : {bin, here}) {
+    WriteFile(folder + "/7za", "#!/bin/sh\necho \"$@\" >>\"" + folder + "/calls\"\n");
+    ::chmod((folder + "/7za").c_str(), 0755);
+  }
+  const std::string zip = PlainZip("a.zip", "file.txt");
+  const auto open_from = [&](const std::string& program) {
+    return qvtest::Run({"sh", "-c", "cd \"$1\" && exec \"$2\" \"$3\" -unpackage\"$4\"", "sh", here,
+                program, zip, dest_},
+               RunEnv(temp_));
+  };
+  EXPECT_EQ(open_from(bin + "/qvConvApp").status, 0);
+  EXPECT_TRUE(Exists(bin + "/calls"));
+  EXPECT_FALSE(Exists(here + "/calls"));
+  EXPECT_EQ(open_from(QV_BINARY).status, 0);
+  EXPECT_TRUE(Exists(here + "/calls"));
 }
 
 }  // namespace
