@@ -31,6 +31,15 @@ TEST(FoldersAhead, MakesInOrderAndStopsAtTheFirstFailure) {
   EXPECT_FALSE(qvtest::Exists(dir.Sub("late")));
 }
 
+TEST(FoldersAhead, WithdrawingRemovesOnlyWhatItMadeAheadOfTheCaller) {
+  qvtest::ScratchDir dir;
+  qvtest::MakeDirs(dir.Sub("d/kept"));
+  FoldersAhead ahead(U16(dir.path()), {u"a", u"b", u"c", u"d"});
+  ASSERT_TRUE(ahead.Wait(3));
+  ahead.Withdraw(2);
+  EXPECT_EQ(qvtest::ListDir(dir.path()), (std::vector<std::string>{"a/", "b/", "d/"}));
+}
+
 TEST(FoldersAhead, AParentThatCannotBeOpenedFailsTheFirst) {
   qvtest::ScratchDir dir;
   qvtest::WriteFile(dir.Sub("file"), "x");
