@@ -75,6 +75,26 @@ bool IsUtf8(std::string_view bytes) { return Utf8FromUtf16(Utf16FromUtf8(bytes))
 
 bool IsAsciiLetter(char16_t c) { return (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z'); }
 
+// A name that Windows takes for a device (CON, PRN, AUX, NUL, COM0 to COM9,
+// LPT0 to LPT9 in any case, alone, before spaces or before a "."): 7-Zip puts
+// "_" in front of it.
+bool IsDeviceName(std::u16string_view part) {
+  const auto upper = [](char16_t c) { return c >= u'a' && c <= u'z' ? c - u'a' + u'A' : c; };
+  for (const std::u16string_view device : {u"CON", u"PRN", u"AUX", u"NUL", u"COM", u"LPT"}) {
+    if (part.size() < device.size()) continue;
+    std::size_t i = 0;
+    while (i < device.size() && upper(part[i]) == device[i]) ++i;
+    if (i < device.size()) continue;
+    if (device == u"COM" || device == u"LPT") {
+      if (i == part.size() || part[i] < u'0' || part[i] > u'9') continue;
+      ++i;
+    }
+    while (i < part.size() && part[i] == u' ') ++i;
+    if (i == part.size() || part[i] == u'.') return true;
+  }
+  return false;
+}
+
 // The parts of the path that the name of an entry stands for, each a name in
 // UTF-8 that neither is empty, "." or ".." nor holds a "\".  Empty for a
 // folder that stands for its parent.  `top`: the entry is at the top of the
@@ -93,7 +113,7 @@ std::vector<std::string> Parts(const std::string& name, bool top, bool file) {
     const std::size_t end = text.find(u'\\', start);
     const std::u16string_view part = std::u16string_view(text).substr(start, end - start);
     named = !part.empty() && part != u"." && part != u"..";
-    if (named) parts.push_back(Utf8FromUtf16(part));
+    if (named) parts.push_back((IsDeviceName(part) ? "_" : "") + Utf8FromUtf16(part));
     if (end == std::u16string::npos) break;
     start = end + 1;
   }

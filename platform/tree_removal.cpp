@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 #include <vector>
@@ -11,6 +12,7 @@
 #include "platform/file_system.h"
 #include "platform/folder_descriptors.h"
 #include "platform/folder_walk.h"
+#include "platform/ntfs_names.h"
 #include "platform/system_path.h"
 #include "platform/win32_path.h"
 
@@ -84,7 +86,17 @@ class Walk {
     holds_in_use_.push_back(known && Is(st, current_.parent));
     if (!known) return false;
     if ((st.st_mode & S_IRWXU) != S_IRWXU) ::fchmod(fd, (st.st_mode & 07777) | S_IRWXU);
-    return ListOpenFolder(fd, &walk_.entries());
+    std::vector<FolderEntry>& entries = walk_.entries();
+    if (!ListOpenFolder(fd, &entries)) return false;
+    // In the order of a listing on Windows, which decides what stays when the
+    // removal stops.
+    std::vector<std::pair<std::u16string, FolderEntry>> keyed;
+    keyed.reserve(entries.size());
+    for (FolderEntry& e : entries) keyed.emplace_back(PathFromNative(e.name), std::move(e));
+    std::sort(keyed.begin(), keyed.end(),
+              [](const auto& a, const auto& b) { return NtfsLess(a.first, b.first); });
+    for (std::size_t i = 0; i < keyed.size(); ++i) entries[i] = std::move(keyed[i].second);
+    return true;
   }
 
   // The deepest folder is empty: back to its parent, which removes it, unless

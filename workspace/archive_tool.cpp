@@ -80,8 +80,9 @@ void UnpackArchive(const std::u16string& archive, const std::u16string& folder) 
   int status = -1;
   Guarded(codes::kUnpackFailed, [&] {
     // The destination is emptied first, whatever the extraction then does.
+    // The tool then makes it again as typed (in the folders found for it).
+    if (!folder.empty()) DeleteTree(platform::PathAsFound(folder));
     const std::u16string destination = folder.empty() ? folder : platform::PathAsFound(folder);
-    if (!destination.empty()) DeleteTree(destination);
     run_log::Step("extract", archive, destination);
     started = RunTool({u"x", AsOperand(archive), u"-o" + destination}, &status);
     // What the tool could not settle is settled here, as far as it goes.

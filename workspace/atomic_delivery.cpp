@@ -66,6 +66,8 @@ void PackFolderWhole(const std::u16string& folder, const std::u16string& archive
   // The tool adds to an archive that is there already: it works on a copy
   // (of nothing, where there is none).
   platform::CopyFile(zip, partial);
+  // 7-Zip replaces a read-only archive like any other.
+  platform::MakeWritable(partial);
 
   run_log::Step("pack", folder, partial);
   int status = -1;

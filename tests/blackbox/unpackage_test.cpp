@@ -53,6 +53,24 @@ TEST_F(Unpackage, TheCurrentFolderAsDestinationIsEmptied) {
                             RunEnv(temp_));
   EXPECT_EQ(run.status, 0) << run.output;
   EXPECT_EQ(ListDir(dest_), std::vector<std::string>{"new.txt"});
+
+  // The folder above: emptied in the order of a listing on Windows until the removal reaches the
+  // current folder, which it empties and where it stops.
+  for (const char* name : {"z1", "a1", "Y2", "b1", "y1", "Z2"}) WriteFile(dest_ + "/" + name, "x");
+  WriteFile(dest_ + "/inner/x", "x");
+  const RunResult up = qvtest::Run({"sh", "-c", "cd \"$1\" && exec \"$2\" \"$3\" -unpackage..",
+                                    "sh", dest_ + "/inner", QV_BINARY, zip},
+                                   RunEnv(temp_));
+  EXPECT_EQ(up.status, 0) << up.output;
+  EXPECT_EQ(ListDir(dest_), (std::vector<std::string>{"Y2", "Z2", "inner/", "new.txt", "y1", "z1"}));
+  EXPECT_TRUE(ListDir(dest_ + "/inner").empty());
+
+  // A destination typed in another case than the folder there is made again as typed.
+  const std::string typed = scratch_.Sub("plaincase");
+  MakeDirs(scratch_.Sub("PlainCase"));
+  EXPECT_EQ(BlackBoxTest::Unpackage(zip, typed).status, 0);
+  EXPECT_TRUE(Exists(typed + "/new.txt"));
+  EXPECT_FALSE(Exists(scratch_.Sub("PlainCase")));
 }
 
 // The archive tool makes the folder it extracts into, with what leads to it: a probe into a

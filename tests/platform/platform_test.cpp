@@ -4,6 +4,7 @@
 #include <cctype>
 #include <cstdlib>
 
+#include "platform/atomic_file.h"
 #include "platform/file_system.h"
 #include "platform/process.h"
 #include "platform/system_info.h"
@@ -54,6 +55,12 @@ TEST(FileSystem, FoldersFilesAndWhatIsNoFile) {
   ASSERT_TRUE(CopyFile(root + u"/f", root + u"/g"));  // overwrites
   ASSERT_TRUE(ReadFile(root + u"/g", &back));
   EXPECT_EQ(back, "new");
+  // A read-only file is replaced by no one, as on Windows (these tests may run as root).
+  ::chmod((dir.path() + "/g").c_str(), 0444);
+  EXPECT_FALSE(CopyFile(root + u"/f", root + u"/g"));
+  EXPECT_FALSE(WriteFile(root + u"/G", "other"));
+  EXPECT_FALSE(CopyFileWhole(root + u"/f", root + u"/g"));
+  EXPECT_TRUE(ReadFile(root + u"/g", &back) && back == "new");
 
   EXPECT_FALSE(ReadFile(root + u"/missing", &back));
   EXPECT_FALSE(ReadFile(root, &back));  // a folder

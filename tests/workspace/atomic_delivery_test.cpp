@@ -1,6 +1,7 @@
 #include "workspace/atomic_delivery.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -55,6 +56,18 @@ TEST_F(AtomicDelivery, PackageGetsTheNameTheToolGivesIt) {
   }
   EXPECT_EQ(ZipPathOf(u"d.v/out"), u"d.v/out.zip");
   EXPECT_EQ(ZipPathOf(u"a\\b"), u"a\\b.zip");
+}
+
+// 7-Zip adds to a read-only archive as to any other.
+TEST_F(AtomicDelivery, AReadOnlyPackageIsAddedTo) {
+  const std::string zip = scratch_.Sub("ro.zip");
+  PackFolderWhole(U16(folder_), U16(zip), false);
+  WriteFile(scratch_.Sub("work/QvFormat/QvT/TM1.xml"), "<t/>");
+  ::chmod(zip.c_str(), 0444);
+  PackFolderWhole(U16(folder_), U16(zip), false);
+  const std::string out = scratch_.Sub("out");
+  ASSERT_EQ(qvtest::Run({"7za", "x", "-y", "-o" + out, zip}).status, 0);
+  EXPECT_EQ(AllFiles(out), (std::vector<std::string>{"QvFormat/QvS.xml", "QvFormat/QvT/TM1.xml"}));
 }
 
 // A tool that fails (no archive to add to): the destination keeps its bytes and no temporary is
