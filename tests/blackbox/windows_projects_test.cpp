@@ -167,13 +167,13 @@ TEST_F(WindowsProjects, PackageAndDestinationTypedInAnotherCaseOpen) {
   EXPECT_FALSE(Exists(scratch_.Sub("BACK")));
   EXPECT_EQ(ReadFile(back + "/contents/CT3.mp4"), kMovieBytes);
 
-  // A plain archive typed so empties the folder that is there and fills it.
+  // A plain archive typed so removes the folder that is there, and the tool makes it again as typed.
   ZipFolderContents(back, scratch_.Sub("plain.zip"));
   WriteFile(back + "/stale.txt", "stale");
   ASSERT_EQ(Unpackage(scratch_.Sub("Plain.Zip"), scratch_.Sub("BACK")).status, 0);
-  EXPECT_FALSE(Exists(scratch_.Sub("BACK")));
-  EXPECT_FALSE(Exists(back + "/stale.txt"));
-  EXPECT_EQ(ReadFile(back + "/contents/CT3.mp4"), kMovieBytes);
+  EXPECT_FALSE(Exists(back));
+  EXPECT_FALSE(Exists(scratch_.Sub("BACK/stale.txt")));
+  EXPECT_EQ(ReadFile(scratch_.Sub("BACK/contents/CT3.mp4")), kMovieBytes);
 }
 
 }  // namespace
