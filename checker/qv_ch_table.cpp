@@ -114,6 +114,7 @@ const QvChTable& QvChTable::Fixed() {
   static const QvChTable fixed = [] {
     QvChTable table;
     table.buildTable();
+    for (std::size_t i = 0; i < table.rows.size(); ++i) table.first_row_.emplace(table.rows[i].id, i);
     return table;
   }();
   return fixed;
@@ -130,6 +131,12 @@ bool QvChTable::selectRow(const std::u16string& id) {
 }
 
 bool QvChTable::selectRow(const std::u16string& id, QvChSelection& selection) const {
+  if (!first_row_.empty()) {
+    const auto found = first_row_.find(id);
+    if (found == first_row_.end()) return false;
+    selection.current = rows[found->second];
+    return true;
+  }
   for (const QvChRow& row : rows) {
     if (row.id == id) {
       selection.current = row;

@@ -14,7 +14,9 @@
 #ifndef QV_CHECKER_QV_CH_TABLE_H_
 #define QV_CHECKER_QV_CH_TABLE_H_
 
+#include <cstddef>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "checker/qv_ch_file_kind.h"
@@ -89,6 +91,11 @@ class QvChTable {
   std::vector<QvChRow> rows;
   std::vector<QvChEffectRow> effect_rows;
   bool built = false;
+
+ private:
+  // The fixed table's rows by id (the first of each id); empty in any other
+  // table, whose rows may change.
+  std::unordered_map<std::u16string, std::size_t> first_row_;
 };
 
 }  // namespace quorvane::qvconv::checker

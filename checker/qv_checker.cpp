@@ -31,15 +31,10 @@ void QvChecker::setSource(const std::u16string& path) {
   report->addAttribute(check_file_info, u"src", path);
 }
 
-void QvChecker::addCheckFile(const std::u16string& path) {
-  xercesc::DOMElement* element = report->appendElement(check_file_info, u"CheckFile");
-  report->addAttribute(element, u"src", path);
-}
+void QvChecker::addCheckFile(const std::u16string& path) { check_files.push_back(path); }
 
 void QvChecker::beginCheckData(QvChFileKind kind, const std::u16string& path) {
-  check_data = report->appendElement(check_result, u"CheckData");
-  report->addAttribute(check_data, u"kind", kindName(kind));
-  report->addAttribute(check_data, u"src", path);
+  check_data.push_back({kind, path, {}});
 }
 
 void QvChecker::addResult(const std::u16string& id, bool is_error, int pane,
@@ -51,16 +46,10 @@ void QvChecker::addResult(const std::u16string& id, bool is_error, int pane,
 
 void QvChecker::addResultText(const std::u16string& id, bool is_error, int pane,
                               const std::u16string& file, const std::u16string& message) {
-  xercesc::DOMElement* result = report->appendElement(check_data, u"Result");
-  report->addAttribute(result, u"id", id);
-  report->addAttribute(result, u"kind", is_error ? u"E" : u"W");
   const int shown = pane_override >= 0 ? pane_override : pane;
-  if (shown >= 0) {
-    const std::string digits = std::to_string(shown);
-    report->addAttribute(result, u"pane", std::u16string(digits.begin(), digits.end()));
+  if (!check_data.empty()) {
+    check_data.back().results.push_back({id, is_error, shown >= 0 ? shown : -1, file, message});
   }
-  report->addAttribute(result, u"file", file);
-  report->appendText(result, message);
   has_result = true;
   if (is_error) has_error = true;
 }
@@ -74,7 +63,34 @@ void QvChecker::checkFile(QvChFileKind kind, const std::u16string& path) {
 
 void QvChecker::writeReport(const std::u16string& path) {
   // A file that cannot be made or written ends the run as unknown (-999).
-  converter::Guarded(converter::codes::kReportNotWritten, [&] { report->serialize(path, true); });
+  converter::Guarded(converter::codes::kReportNotWritten, [&] {
+    fillReport();
+    report->serialize(path, true);
+  });
+}
+
+void QvChecker::fillReport() {
+  for (; filled_files_ < check_files.size(); ++filled_files_) {
+    xercesc::DOMElement* element = report->appendElement(check_file_info, u"CheckFile");
+    report->addAttribute(element, u"src", check_files[filled_files_]);
+  }
+  for (; filled_data_ < check_data.size(); ++filled_data_) {
+    const CheckedFile& checked = check_data[filled_data_];
+    xercesc::DOMElement* data = report->appendElement(check_result, u"CheckData");
+    report->addAttribute(data, u"kind", kindName(checked.kind));
+    report->addAttribute(data, u"src", checked.path);
+    for (const Finding& finding : checked.results) {
+      xercesc::DOMElement* result = report->appendElement(data, u"Result");
+      report->addAttribute(result, u"id", finding.id);
+      report->addAttribute(result, u"kind", finding.is_error ? u"E" : u"W");
+      if (finding.pane >= 0) {
+        const std::string digits = std::to_string(finding.pane);
+        report->addAttribute(result, u"pane", std::u16string(digits.begin(), digits.end()));
+      }
+      report->addAttribute(result, u"file", finding.file);
+      report->appendText(result, finding.message);
+    }
+  }
 }
 
 std::u16string QvChecker::kindName(QvChFileKind kind) {

@@ -16,11 +16,16 @@
 //       CheckData kind=<kindName> src=<file>     one per checked file
 //         Result id kind [pane] [file]           one per finding; text = message
 // An attribute with an empty value is not written.
+//
+// The files and findings are kept as plain records while the run goes on, and
+// become elements of the document when the report is saved: most runs check
+// thousands of files and save no report at all.
 #ifndef QV_CHECKER_QV_CHECKER_H_
 #define QV_CHECKER_QV_CHECKER_H_
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "base/qv_conv_run_config.h"
 #include "checker/qv_ch_file_kind.h"
@@ -30,6 +35,21 @@ namespace quorvane::qvconv::checker {
 
 class QvChecker {
  public:
+  // One Result: pane is the number shown, or -1 for none.
+  struct Finding {
+    std::u16string id;
+    bool is_error = false;
+    int pane = -1;
+    std::u16string file;
+    std::u16string message;
+  };
+  // One CheckData and the Results that follow it.
+  struct CheckedFile {
+    QvChFileKind kind;
+    std::u16string path;
+    std::vector<Finding> results;
+  };
+
   QvChecker();
   // Releases the report document.
   ~QvChecker();
@@ -43,7 +63,8 @@ class QvChecker {
   void setSource(const std::u16string& path);
   // Appends a CheckFile for `path`.
   void addCheckFile(const std::u16string& path);
-  // Appends a CheckData for `path`; it takes the Results that follow.
+  // Appends a CheckData for `path`; it takes the Results that follow, so it
+  // comes before the first of them.
   void beginCheckData(QvChFileKind kind, const std::u16string& path);
 
   // Adds a Result with the text of `message_key` in the user's language (the
@@ -73,13 +94,21 @@ class QvChecker {
   std::unique_ptr<qvformat::format::io::xml::QvFXmlDocument> report;
   xercesc::DOMElement* check_file_info = nullptr;
   xercesc::DOMElement* check_result = nullptr;
-  xercesc::DOMElement* check_data = nullptr;
+  std::vector<std::u16string> check_files;  // the CheckFile elements to be
+  std::vector<CheckedFile> check_data;      // the CheckData elements to be
   bool has_result = false;  // a Result was added; never cleared
   bool has_error = false;   // a Result of kind "E" was added; never cleared
   converter::QvConvDisplayRegion display_region;  // the target's display limits
   std::u16string today_timetable;  // time table of the schedule entry for today
   int pane_override = -1;          // pane number that goes before the row's own
   bool check_only = false;  // the run writes no conversion result
+
+ private:
+  // Appends the elements of the files and findings not yet in the document.
+  void fillReport();
+
+  std::size_t filled_files_ = 0;
+  std::size_t filled_data_ = 0;
 };
 
 }  // namespace quorvane::qvconv::checker

@@ -25,30 +25,29 @@ namespace codes = converter::codes;
 // flips the escape state; an escaped comma belongs to the field, an escaped
 // backslash too; any other escaped character is a format error.  A backslash
 // at the very end of the line stays in the field.
-QvCsvFile::Row SplitLine(const std::u16string& line) {
-  QvCsvFile::Row row;
-  std::size_t start = 0;
+QvCsvFile::Row SplitLine(std::u16string_view line) {
+  QvCsvFile::Row row(1);
   bool escaped = false;
-  for (std::size_t i = 0; i < line.size(); ++i) {
-    char16_t c = line[i];
+  for (const char16_t c : line) {
+    std::u16string& field = row.back();
     if (c == u'\\') {
+      // The first of a pair waits for the second; the second is the backslash.
+      if (escaped) field += u'\\';
       escaped = !escaped;
     } else if (c == u',') {
       if (escaped) {
+        field += u',';
         escaped = false;
       } else {
-        row.push_back(line.substr(start, i - start));
-        start = i + 1;
+        row.emplace_back();
       }
     } else if (escaped) {
       ThrowCode(codes::kProjectFileBad);
+    } else {
+      field += c;
     }
   }
-  row.push_back(line.substr(start));
-  for (std::u16string& field : row) {
-    field = ReplaceAll(std::move(field), u"\\,", u",");
-    field = ReplaceAll(std::move(field), u"\\\\", u"\\");
-  }
+  if (escaped) row.back() += u'\\';
   return row;
 }
 
@@ -58,12 +57,15 @@ std::u16string EscapeField(std::u16string field) {
   return field;
 }
 
-// The file that ReadFile read last, while a SharedReads object lives.
+// The file that ReadFile read last, while a SharedReads object lives: its
+// bytes, and its rows once the object that read them has ended.
 struct KeptRead {
   bool on = false;
-  bool full = false;
+  bool full = false;  // waits for the next read of `path`
   std::u16string path;
   std::string bytes;
+  bool parsed = false;  // `rows` are the rows of `bytes`
+  std::vector<QvCsvFile::Row> rows;
 };
 KeptRead kept;
 
@@ -73,22 +75,38 @@ QvCsvFile::SharedReads::SharedReads() { kept.on = true; }
 
 QvCsvFile::SharedReads::~SharedReads() { kept = KeptRead(); }
 
+QvCsvFile::~QvCsvFile() {
+  // The rows of a whole file that waits for its next read spare that read the parse.
+  if (kept.full && !kept.parsed && !source_.empty() && kept.path == source_) {
+    kept.rows = std::move(rows_);
+    kept.parsed = true;
+  }
+}
+
 void QvCsvFile::ReadFile(const std::u16string& path) {
   Guarded(codes::kCsvIoFailed, [&] {
     std::string bytes;
+    const bool fresh = rows_.empty();
     if (kept.full && kept.path == path) {
-      bytes = std::move(kept.bytes);
       kept.full = false;
+      if (kept.parsed && fresh) {
+        rows_ = std::move(kept.rows);
+        return;
+      }
+      bytes = std::move(kept.bytes);
     } else {
       kept.full = false;
       if (!platform::ReadFile(path, &bytes)) ThrowCode(codes::kProjectFileMissing);
       if (kept.on) {
         kept.path = path;
         kept.bytes = bytes;
+        kept.parsed = false;
+        kept.rows.clear();
         kept.full = true;
       }
     }
     ReadBytes(bytes);
+    if (fresh) source_ = path;
   });
 }
 

@@ -21,6 +21,13 @@ class QvCsvFile {
  public:
   using Row = std::vector<std::u16string>;
 
+  QvCsvFile() = default;
+  // Hands its rows to SharedReads when they are a whole file's that waits for
+  // its next read.
+  ~QvCsvFile();
+  QvCsvFile(const QvCsvFile&) = delete;
+  QvCsvFile& operator=(const QvCsvFile&) = delete;
+
   // The longest line that reads, in bytes of code page 932 without its line
   // end.  A longer line ends the read without an error: it and all lines
   // behind it are dropped.
@@ -37,7 +44,10 @@ class QvCsvFile {
   // read last are kept, and a read that follows of the same path takes them
   // instead of reading the file again: a run's walk, in which the checker
   // reads a file and the reader then reads it too, reads it from disk once.
-  // Kept bytes serve one read only.  One object at a time.
+  // When the file object that read them ends first, with only that file's
+  // rows, the rows are kept with them and a fresh file object takes those:
+  // the file is parsed once too.  What is kept serves one read only.  One
+  // SharedReads object at a time.
   class SharedReads {
    public:
     SharedReads();
@@ -57,7 +67,10 @@ class QvCsvFile {
   std::u16string GetFirstField(std::size_t index) const;
 
   // Building rows for writing; a row may have no fields (an empty line).
-  void AddRow(Row row) { rows_.push_back(std::move(row)); }
+  void AddRow(Row row) {
+    source_.clear();
+    rows_.push_back(std::move(row));
+  }
   std::size_t RowCount() const { return rows_.size(); }
   const std::vector<Row>& Rows() const { return rows_; }
 
@@ -69,6 +82,8 @@ class QvCsvFile {
 
  private:
   std::vector<Row> rows_;
+  std::u16string source_;  // the file whose rows these are, alone and unchanged
+
 };
 
 }  // namespace quorvane::qvconv::io::csv

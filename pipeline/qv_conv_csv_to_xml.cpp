@@ -77,6 +77,9 @@ void QvConvCsvToXml::Run() {
     run_log::Step("work in", work);
     const std::u16string format = work + u"/QvFormat";
     MakeFolder(format, ExistingFolder::kFails);
+    // The content copy's scratch folder: nothing writes into it, but it is
+    // made all the same, and a run that stops leaves it with the work folder.
+    MakeFolder(work + u"/Temp", ExistingFolder::kFails);
 
     Guarded(codes::kReportNotBegun, [&] { createReport(); });
     display_region = config.DisplayRegion();
@@ -185,57 +188,67 @@ void QvConvCsvToXml::ConvertPrograms(Reader& reader, Writer& writer, const std::
     for (const std::u16string& f : folders) ids.push_back(reader.index().programId(f));
     // A check-only run writes nothing into the program folders but makes them
     // all the same; it makes them beside the reading, and each one still
-    // counts where it would have been made.
+    // counts where it would have been made.  A run that stops takes back the
+    // folders made ahead of it: the work folder it leaves is as it would be.
     std::optional<platform::FoldersAhead> ahead;
     if (check_only) ahead.emplace(format + u"/QvP", ids);
-    for (std::size_t i = 0; i < folders.size(); ++i) {
-      pane_override = -1;
-      const std::u16string folder = JoinPath(input, folders[i]);
-      const std::u16string csv = JoinPath(folder, u"program.csv");
-      const std::u16string& id = ids[i];
-      const std::u16string target = format + u"/QvP/" + id;
-      if (ahead) {
-        run_log::Attempt("make folder", target);
-        if (!ahead->Wait(i)) ThrowCode(codes::kCannotCreate);
-      } else {
-        MakeFolder(target, ExistingFolder::kIsFine);
-      }
-      run_log::Step("check", csv);
-      checkFile(checker::ChProgram, csv);
-      run_log::Step("read", csv);
-      std::unique_ptr<fmt::QvFProgram> program = reader.readProgram(csv);
-      if (!program) ThrowCode(codes::kProjectFileBad);
-      const std::u16string program_xml = target + u"/" + id + u".xml";
-      if (!check_only) run_log::Step("write", program_xml);
-      if (!check_only) writer.outputProgram(program_xml, *program);
-
-      io::csv::QvFCsvProgramEntry& entry = reader.index().programEntry(id);
-      const std::vector<std::u16string> playlists = io::csv::QvFCsvIndex::Keys(entry.playlist_ids);
-      std::size_t next_item = 0;  // carried across the playlists of the program
-      for (const std::u16string& p : playlists) {
-        const std::u16string path = JoinPath(folder, p);
-        pane_override = PaneOfPlaylist(path);
-        run_log::Step("read", path);
-        fmt::QvFPlaylist playlist = reader.readPlaylist(path);
-        // Each playlist takes exactly the contents files that its own read added.
-        const std::vector<std::u16string> contents = entry.contents_paths;
-        while (next_item < contents.size()) {
-          const std::u16string contents_path = JoinPath(folder, contents[next_item]);
-          run_log::Step("check", contents_path);
-          checkFile(checker::ChContentsInfo, contents_path);
-          run_log::Step("read", contents_path);
-          Guarded(codes::kProjectFileBad,
-                  [&] { reader.readContents(contents_path, playlist, entry); });
-          ++next_item;
+    std::size_t reached = 0;  // program folders made so far
+    try {
+      for (std::size_t i = 0; i < folders.size(); ++i) {
+        const std::u16string target = format + u"/QvP/" + ids[i];
+        if (ahead) {
+          run_log::Attempt("make folder", target);
+          if (!ahead->Wait(i)) ThrowCode(codes::kCannotCreate);
+        } else {
+          MakeFolder(target, ExistingFolder::kIsFine);
         }
-        if (!check_only) {
-          const std::u16string playlist_xml = target + u"/" + entry.playlistId(p) + u".xml";
-          run_log::Step("write", playlist_xml);
-          writer.outputPlaylist(playlist_xml, playlist);
-        }
+        reached = i + 1;
+        ConvertProgram(reader, writer, JoinPath(input, folders[i]), ids[i], target);
       }
+    } catch (...) {
+      if (ahead) ahead->Withdraw(reached);
+      throw;
     }
   });
+}
+
+void QvConvCsvToXml::ConvertProgram(Reader& reader, Writer& writer, const std::u16string& folder,
+                                    const std::u16string& id, const std::u16string& target) {
+  pane_override = -1;
+  const std::u16string csv = JoinPath(folder, u"program.csv");
+  run_log::Step("check", csv);
+  checkFile(checker::ChProgram, csv);
+  run_log::Step("read", csv);
+  std::unique_ptr<fmt::QvFProgram> program = reader.readProgram(csv);
+  if (!program) ThrowCode(codes::kProjectFileBad);
+  const std::u16string program_xml = target + u"/" + id + u".xml";
+  if (!check_only) run_log::Step("write", program_xml);
+  if (!check_only) writer.outputProgram(program_xml, *program);
+
+  io::csv::QvFCsvProgramEntry& entry = reader.index().programEntry(id);
+  const std::vector<std::u16string> playlists = io::csv::QvFCsvIndex::Keys(entry.playlist_ids);
+  std::size_t next_item = 0;  // carried across the playlists of the program
+  for (const std::u16string& p : playlists) {
+    const std::u16string path = JoinPath(folder, p);
+    pane_override = PaneOfPlaylist(path);
+    run_log::Step("read", path);
+    fmt::QvFPlaylist playlist = reader.readPlaylist(path);
+    // Each playlist takes exactly the contents files that its own read added.
+    const std::vector<std::u16string> contents = entry.contents_paths;
+    while (next_item < contents.size()) {
+      const std::u16string contents_path = JoinPath(folder, contents[next_item]);
+      run_log::Step("check", contents_path);
+      checkFile(checker::ChContentsInfo, contents_path);
+      run_log::Step("read", contents_path);
+      Guarded(codes::kProjectFileBad, [&] { reader.readContents(contents_path, playlist, entry); });
+      ++next_item;
+    }
+    if (!check_only) {
+      const std::u16string playlist_xml = target + u"/" + entry.playlistId(p) + u".xml";
+      run_log::Step("write", playlist_xml);
+      writer.outputPlaylist(playlist_xml, playlist);
+    }
+  }
 }
 
 void QvConvCsvToXml::CopyContents(Reader& reader, const std::u16string& input,

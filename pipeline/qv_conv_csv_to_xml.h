@@ -48,6 +48,10 @@ class QvConvCsvToXml : public checker::QvChecker {
   void CheckInterrupts(const std::u16string& input);
   void ConvertPrograms(Reader& reader, Writer& writer, const std::u16string& input,
                        const std::u16string& format);
+  // One program of `folder` with its playlists and contents files, into the
+  // program folder `target`, which is there.
+  void ConvertProgram(Reader& reader, Writer& writer, const std::u16string& folder,
+                      const std::u16string& id, const std::u16string& target);
   void CopyContents(Reader& reader, const std::u16string& input, const std::u16string& format);
 
   // The pane number of a playlist file: its index in "playlist_0.csv" to

@@ -9,6 +9,7 @@
 #include <cstdio>
 
 #include "platform/file_system.h"
+#include "platform/system_calls.h"
 #include "platform/system_path.h"
 #include "platform/text_codec.h"
 
@@ -60,6 +61,8 @@ bool CopyFileWhole(std::u16string_view source, std::u16string_view destination_p
   // The destination as the other file calls find it: in the folder, and with
   // the name, that is there already in another case.
   const std::u16string destination = PathAsFound(destination_path);
+  // As CopyFileW: a read-only file there is not replaced.
+  if (system::IsReadOnlyFile(SystemPath(destination).c_str())) return false;
   const std::u16string partial = PartialPathOf(destination);
   // A stale temporary (a killed run's, or a link put there) is replaced, never
   // written through.

@@ -14,15 +14,12 @@
 #include <vector>
 
 #include "platform/folder_descriptors.h"
+#include "platform/folder_walk.h"
 #include "platform/system_path.h"
 #include "platform/text_codec.h"
 
 namespace quorvane::platform {
 namespace {
-
-// So many folders of one walk stay open at most; those above are opened again
-// on the way back.
-constexpr std::size_t kOpenFolders = 16;
 
 constexpr int kFolderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
@@ -78,6 +75,26 @@ bool IsUtf8(std::string_view bytes) { return Utf8FromUtf16(Utf16FromUtf8(bytes))
 
 bool IsAsciiLetter(char16_t c) { return (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z'); }
 
+// A name that Windows takes for a device (CON, PRN, AUX, NUL, COM0 to COM9,
+// LPT0 to LPT9 in any case, alone, before spaces or before a "."): 7-Zip puts
+// "_" in front of it.
+bool IsDeviceName(std::u16string_view part) {
+  const auto upper = [](char16_t c) { return c >= u'a' && c <= u'z' ? c - u'a' + u'A' : c; };
+  for (const std::u16string_view device : {u"CON", u"PRN", u"AUX", u"NUL", u"COM", u"LPT"}) {
+    if (part.size() < device.size()) continue;
+    std::size_t i = 0;
+    while (i < device.size() && upper(part[i]) == device[i]) ++i;
+    if (i < device.size()) continue;
+    if (device == u"COM" || device == u"LPT") {
+      if (i == part.size() || part[i] < u'0' || part[i] > u'9') continue;
+      ++i;
+    }
+    while (i < part.size() && part[i] == u' ') ++i;
+    if (i == part.size() || part[i] == u'.') return true;
+  }
+  return false;
+}
+
 // The parts of the path that the name of an entry stands for, each a name in
 // UTF-8 that neither is empty, "." or ".." nor holds a "\".  Empty for a
 // folder that stands for its parent.  `top`: the entry is at the top of the
@@ -96,7 +113,7 @@ std::vector<std::string> Parts(const std::string& name, bool top, bool file) {
     const std::size_t end = text.find(u'\\', start);
     const std::u16string_view part = std::u16string_view(text).substr(start, end - start);
     named = !part.empty() && part != u"." && part != u"..";
-    if (named) parts.push_back(Utf8FromUtf16(part));
+    if (named) parts.push_back((IsDeviceName(part) ? "_" : "") + Utf8FromUtf16(part));
     if (end == std::u16string::npos) break;
     start = end + 1;
   }
@@ -220,7 +237,7 @@ bool Merge(int from, const std::string& name, int to) {
 // Settles the names of one open folder, not those below its subfolders, in
 // rounds until a round changes nothing.  When that last round has looked at
 // every name, `folders` gets the subfolders it found (and `listed` is set).
-bool SettleFolder(int folder, bool top, std::vector<std::string>* folders, bool* listed) {
+bool SettleFolder(int folder, bool top, std::vector<FolderEntry>* folders, bool* listed) {
   std::vector<std::string> before;
   bool settled = true;
   *listed = false;
@@ -243,7 +260,7 @@ bool SettleFolder(int folder, bool top, std::vector<std::string>* folders, bool*
       }
       const std::vector<std::string> parts = Parts(name, top, kind == Kind::kFile);
       if (parts.size() == 1 && parts[0] == name) {
-        if (kind == Kind::kFolder) folders->push_back(name);
+        if (kind == Kind::kFolder) folders->push_back({name, true});
         continue;
       }
       changing = true;
@@ -258,40 +275,23 @@ bool SettleFolder(int folder, bool top, std::vector<std::string>* folders, bool*
   return false;
 }
 
-// One folder on the way down.
-struct Level {
-  int fd = -1;  // -1 while closed to spare descriptors
-  dev_t device = 0;
-  ino_t inode = 0;
-  std::vector<std::string> folders;  // its subfolders, once its own names are settled
-  std::size_t next = 0;              // those before it are done
-};
-
 // The settling of a whole tree, one folder at a time from the top: a folder's
 // own names first, then each of its subfolders.  Whatever moves, moves within
 // the folder that is being settled, so every name comes to be settled.
 class Walk {
  public:
-  Walk() = default;
-  ~Walk() {
-    for (const Level& level : levels_) {
-      if (level.fd >= 0) ::close(level.fd);
-    }
-  }
-  Walk(const Walk&) = delete;
-  Walk& operator=(const Walk&) = delete;
-
   bool Run(int folder) {
     const int top = ::fcntl(folder, F_DUPFD_CLOEXEC, 0);
     if (top < 0) return false;
     Enter(top);
-    while (!levels_.empty()) {
-      Level& level = levels_.back();
-      if (level.next == level.folders.size()) {
-        if (!Leave()) return false;
+    while (!walk_.empty()) {
+      const FolderEntry* subfolder = walk_.Current();
+      if (subfolder == nullptr) {
+        if (!walk_.Up()) return false;
         continue;
       }
-      const int child = OpenFolder(level.fd, level.folders[level.next++]);
+      walk_.Pass();
+      const int child = OpenFolder(walk_.folder(), subfolder->name);
       if (child < 0) {
         settled_ = false;
         continue;
@@ -302,48 +302,28 @@ class Walk {
   }
 
  private:
+  // Takes the open folder `fd` as the new deepest level, settles its own
+  // names and keeps its subfolders as the entries to visit.
   void Enter(int fd) {
-    const bool top = levels_.empty();
-    levels_.push_back({});
-    Level& level = levels_.back();
-    level.fd = fd;
-    struct stat st;
-    if (::fstat(fd, &st) == 0) level.device = st.st_dev, level.inode = st.st_ino;
+    const bool top = walk_.empty();
+    // A folder that cannot be looked at is settled all the same; only the
+    // way back up to it fails, should it be closed meanwhile.
+    walk_.Down(fd);
+    std::vector<FolderEntry>& folders = walk_.entries();
     bool listed = false;
-    settled_ = SettleFolder(fd, top, &level.folders, &listed) && settled_;
+    settled_ = SettleFolder(fd, top, &folders, &listed) && settled_;
     if (!listed) {
       // The last round moved things: list what stands now.
-      level.folders.clear();
+      folders.clear();
       std::vector<std::string> names;
       settled_ = ReadNames(fd, &names) && settled_;
       for (std::string& name : names) {
-        if (Settle(fd, name) == Kind::kFolder) level.folders.push_back(std::move(name));
+        if (Settle(fd, name) == Kind::kFolder) folders.push_back({std::move(name), true});
       }
     }
-    if (levels_.size() > kOpenFolders) {
-      Level& far = levels_[levels_.size() - 1 - kOpenFolders];
-      if (far.fd >= 0) ::close(std::exchange(far.fd, -1));
-    }
   }
 
-  // The deepest folder is done: back to its parent, which must be the very
-  // folder that was left.
-  bool Leave() {
-    const Level done = std::move(levels_.back());
-    levels_.pop_back();
-    bool same = true;
-    if (!levels_.empty() && levels_.back().fd < 0) {
-      Level& parent = levels_.back();
-      parent.fd = ::openat(done.fd, "..", kFolderFlags);
-      struct stat st;
-      same = parent.fd >= 0 && ::fstat(parent.fd, &st) == 0 && st.st_dev == parent.device &&
-             st.st_ino == parent.inode;
-    }
-    ::close(done.fd);
-    return same;
-  }
-
-  std::vector<Level> levels_;
+  FolderWalk walk_;
   bool settled_ = true;
 };
 

@@ -13,6 +13,8 @@
 //   - empty parts, "." and "..", and at the top a drive ("C:") in front of
 //     the first part, are dropped, so nothing climbs out; a file whose last
 //     part is dropped is called "_", as the tool calls it;
+//   - a part that Windows takes for a device ("CON", "aux.txt", "com1")
+//     gets "_" in front, as the tool does there ("_CON", "_aux.txt");
 //   - a symbolic link, a pipe, a socket or a device is removed: a link never
 //     leads out of the folder, nor brings a file from elsewhere in.
 // When the new name is taken already, nothing is lost: two folders become

@@ -161,6 +161,11 @@ int OpenExistingForReading(std::u16string_view path, struct stat* st) {
 int CreateForWriting(std::u16string_view path) {
   int fd = -1;
   OnNew(path, false, [&](const SystemPath& p) {
+    // Windows writes no file that is read-only, whoever asks.
+    if (system::IsReadOnlyFile(p.c_str())) {
+      errno = EACCES;
+      return false;
+    }
     fd = OpenRetry(p.str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
     return fd >= 0;
   });
@@ -223,10 +228,12 @@ bool system::ListDirectory(std::u16string_view path, std::vector<DirEntry>* entr
     DirEntry entry;
     entry.name = PathFromNative(name);
     entry.windows_name = IsWindowsName(entry.name);
-    struct stat st;
-    if (::fstatat(dir_fd, name, &st, AT_SYMLINK_NOFOLLOW) == 0) {
-      entry.is_directory = S_ISDIR(st.st_mode);
-      entry.read_only = (st.st_mode & S_IWUSR) == 0;
+    if (e->d_type != DT_UNKNOWN) {
+      entry.is_directory = e->d_type == DT_DIR;
+    } else {
+      struct stat st;
+      entry.is_directory =
+          ::fstatat(dir_fd, name, &st, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(st.st_mode);
     }
     std::u16string key = NtfsUpper(entry.name);
     found.emplace_back(std::move(key), std::move(entry));
@@ -302,6 +309,11 @@ bool MoveToNew(std::u16string_view source, std::u16string_view destination) {
   });
   if (moved) NoteGone(from.native());
   return moved;
+}
+
+bool system::IsReadOnlyFile(const char* native) {
+  struct stat st;
+  return ::lstat(native, &st) == 0 && S_ISREG(st.st_mode) && (st.st_mode & S_IWUSR) == 0;
 }
 
 bool system::ReadFile(std::u16string_view path, std::string* bytes) {

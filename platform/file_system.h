@@ -13,7 +13,9 @@
 //     case, name by name (an exact name wins, then the first in NTFS order);
 //     a path that exists as spelled costs nothing more;
 //   - an entry made where one of the same name in another case exists uses
-//     that one: a file is overwritten, a folder exists already.
+//     that one: a file is overwritten, a folder exists already;
+//   - a read-only file is never overwritten, replaced or truncated (Windows
+//     refuses that to every user): a write or copy onto one fails.
 // Removals take the path as it stands first, so that whatever a listing gave
 // can be removed, even a name that Windows could not hold.
 #ifndef QV_PLATFORM_FILE_SYSTEM_H_
@@ -55,7 +57,6 @@ bool IsRegularFile(std::u16string_view path);
 struct DirEntry {
   std::u16string name;
   bool is_directory = false;  // a real folder, not a link to one
-  bool read_only = false;     // the owner may not write it
   // Windows could hold this name (ntfs_names.h); a listing as Windows gives
   // it has only these.  The others are listed so that a tree can be removed.
   bool windows_name = true;
@@ -73,10 +74,10 @@ bool RemoveFile(std::u16string_view path);
 // Removes one empty folder.
 bool RemoveDirectory(std::u16string_view path);
 
-// Copies one plain file; an existing target is overwritten.  The copy keeps
-// the source's last-write time and, if the source is read-only, is made
-// read-only too.  False if the source cannot be read or the target cannot be
-// written completely.
+// Copies one plain file; an existing target that is not read-only is
+// overwritten.  The copy keeps the source's last-write time and, if the
+// source is read-only, is made read-only too.  False if the source cannot be
+// read or the target cannot be written completely.
 bool CopyFile(std::u16string_view source, std::u16string_view destination);
 
 // Moves `source`, a file or folder of the program's own work tree (a path as

@@ -23,20 +23,32 @@ FoldersAhead::FoldersAhead(std::u16string_view parent, const std::vector<std::u1
                         name != u"." && name != u"..";
     names_.push_back(single ? Utf8FromUtf16(name) : std::string());
   }
+  created_.assign(names_.size(), false);
   thread_ = std::thread([this] { Run(); });
 }
 
 FoldersAhead::~FoldersAhead() {
   quit_ = true;
-  thread_.join();
+  if (thread_.joinable()) thread_.join();
   if (parent_ >= 0) ::close(parent_);
 }
 
+void FoldersAhead::Withdraw(std::size_t count) {
+  quit_ = true;
+  if (thread_.joinable()) thread_.join();
+  for (std::size_t i = names_.size(); i-- > count;) {
+    if (created_[i]) ::unlinkat(parent_, names_[i].c_str(), AT_REMOVEDIR);
+  }
+}
+
 void FoldersAhead::Run() {
-  for (const std::string& name : names_) {
+  for (std::size_t i = 0; i < names_.size(); ++i) {
+    const std::string& name = names_[i];
     if (quit_ || parent_ < 0 || name.empty()) break;
-    if (::mkdirat(parent_, name.c_str(), 0777) != 0 && errno != EEXIST) break;
+    const bool created = ::mkdirat(parent_, name.c_str(), 0777) == 0;
+    if (!created && errno != EEXIST) break;
     const std::lock_guard<std::mutex> lock(mutex_);
+    created_[i] = created;
     ++made_;
     settled_.notify_all();
   }

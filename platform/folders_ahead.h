@@ -9,8 +9,9 @@
 // otherwise have made that folder itself, so that whatever it does when one
 // cannot be made happens exactly where it would have happened.  The thread
 // stops at the first folder it cannot make: none behind that one is made.  A
-// folder that is there already counts as made.  Folders made ahead that the
-// caller never asks for stay; they belong to the caller's work tree.
+// folder that is there already counts as made.  A caller that stops early
+// takes back what was made ahead of it (Withdraw), so that what it leaves
+// behind is what it would have made itself.
 //
 // The names are single names that Windows can hold, made with the parent
 // open, which is a folder the caller has just made itself: they are not
@@ -44,6 +45,10 @@ class FoldersAhead {
   // true when it is there.  False for an index beyond the list.
   bool Wait(std::size_t index);
 
+  // Stops the thread and removes the folders it made from the list's
+  // `count`th on, so that only the first `count` stay.
+  void Withdraw(std::size_t count);
+
  private:
   void Run();
 
@@ -52,6 +57,7 @@ class FoldersAhead {
   std::mutex mutex_;
   std::condition_variable settled_;
   std::size_t made_ = 0;  // folders of the list made so far, in order
+  std::vector<bool> created_;  // made by the thread (not there already)
   bool stopped_ = false;  // the thread has ended
   std::atomic<bool> quit_{false};
   std::thread thread_;

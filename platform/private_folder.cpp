@@ -23,9 +23,19 @@ bool Private(const struct stat& st) {
 
 }  // namespace
 
-SharedFolder::SharedFolder(std::u16string_view path) {
+SharedFolder::SharedFolder(std::u16string_view path, Missing missing) {
   // The shared folder is the user's choice: a link to it is followed.
-  fd_ = ::open(SystemPath(path).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+  const SystemPath folder(path);
+  fd_ = ::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+  if (fd_ < 0 && errno == ENOENT && missing == Missing::kMake && folder.nameable()) {
+    const std::string& native = folder.native();
+    for (std::size_t cut = native.find('/', 1); cut != std::string::npos;
+         cut = native.find('/', cut + 1)) {
+      ::mkdir(native.substr(0, cut).c_str(), 0777);
+    }
+    ::mkdir(native.c_str(), 0777);
+    fd_ = ::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+  }
   if (fd_ < 0) return;
   struct stat st;
   if (::fstat(fd_, &st) != 0) {

@@ -35,7 +35,11 @@ enum class FixedName {
 // The folder that holds the fixed names, opened once.
 class SharedFolder {
  public:
-  explicit SharedFolder(std::u16string_view path);
+  enum class Missing { kUnavailable, kMake };
+
+  // With kMake, a folder that is missing is made first, with the folders that
+  // lead to it, as the archive tool makes the folder it extracts into.
+  explicit SharedFolder(std::u16string_view path, Missing missing = Missing::kUnavailable);
   ~SharedFolder();
   SharedFolder(const SharedFolder&) = delete;
   SharedFolder& operator=(const SharedFolder&) = delete;

@@ -3,10 +3,13 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/prctl.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <climits>
+#include <string>
 
 #include "platform/file_system.h"
 #include "platform/system_calls.h"
@@ -54,6 +57,28 @@ struct Pipe {
   ::_exit(127);
 }
 
+// A plain file that this user may run.
+bool IsRunnable(const std::string& path) {
+  struct stat st;
+  return ::stat(path.c_str(), &st) == 0 && S_ISREG(st.st_mode) && ::access(path.c_str(), X_OK) == 0;
+}
+
+// Where a program named without a folder is found, as Windows finds it: in
+// the folder of this program, then in the current folder, then on the search
+// path (which execvp walks).
+std::string ProgramToRun(const std::string& name) {
+  if (name.empty() || name.find('/') != std::string::npos) return name;
+  char self[PATH_MAX];
+  const ssize_t length = ::readlink("/proc/self/exe", self, sizeof self - 1);
+  if (length > 0) {
+    const std::string own(self, static_cast<std::size_t>(length));
+    const std::string beside = own.substr(0, own.rfind('/') + 1) + name;
+    if (IsRunnable(beside)) return beside;
+  }
+  if (IsRunnable("./" + name)) return "./" + name;
+  return name;
+}
+
 }  // namespace
 
 int CurrentProcessId() { return static_cast<int>(::getpid()); }
@@ -81,6 +106,7 @@ ProcessResult system::RunProcess(const std::vector<std::u16string>& argv, std::s
     }
     args.push_back(std::move(arg));
   }
+  args[0] = ProgramToRun(args[0]);
   std::vector<char*> pointers;
   for (auto& a : args) pointers.push_back(a.data());
   pointers.push_back(nullptr);

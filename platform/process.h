@@ -12,7 +12,8 @@ struct ProcessResult {
   int exit_status = -1;  // its exit status once it has ended (-1: killed by a signal)
 };
 
-// Runs argv[0], looked up in PATH when it names no folder, with the given
+// Runs argv[0] (a name without a folder is looked for as Windows looks for
+// it: beside this program, in the current folder, then on PATH) with the given
 // argument list (no shell), the caller's environment and current folder, its
 // standard streams on /dev/null.  Waits without a time limit.  The program
 // ends with its caller: if the caller is killed, so is the program, so that

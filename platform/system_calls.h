@@ -17,6 +17,10 @@
 
 namespace quorvane::platform::system {
 
+// Is the system path a plain file that its owner may not write?  Windows
+// replaces no such file, whoever asks (a file call on it is refused).
+bool IsReadOnlyFile(const char* native);
+
 bool ReadFile(std::u16string_view path, std::string* bytes);
 bool ReadFilePrefix(std::u16string_view path, std::size_t limit, std::string* bytes);
 bool WriteFile(std::u16string_view path, std::string_view bytes);

@@ -1,79 +1,73 @@
 #include "platform/tree_removal.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 #include <vector>
 
-#include "platform/folder_descriptors.h"
 #include "platform/file_system.h"
+#include "platform/folder_descriptors.h"
+#include "platform/folder_walk.h"
+#include "platform/ntfs_names.h"
 #include "platform/system_path.h"
+#include "platform/win32_path.h"
 
 namespace quorvane::platform {
 namespace {
 
-// So many folders of one walk stay open at most; those above are opened
-// again on the way back.
-constexpr std::size_t kOpenFolders = 16;
-
-constexpr int kFolderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-
-
-// One folder on the way down.
-struct Level {
-  int fd = -1;  // -1 while closed to spare descriptors
-  dev_t device = 0;
-  ino_t inode = 0;
-  std::vector<FolderEntry> entries;
-  std::size_t next = 0;  // entries before it are gone
+// The current folder of this process, which Windows does not let anyone
+// remove while it is in use: its device and inode, and its parent's.
+struct InUse {
+  InUse() {
+    struct stat st;
+    if (::stat(".", &st) == 0) self = {st.st_dev, st.st_ino};
+    if (::stat("..", &st) == 0) parent = {st.st_dev, st.st_ino};
+  }
+  std::pair<dev_t, ino_t> self{0, 0}, parent{0, 0};
 };
+
+bool Is(const struct stat& st, const std::pair<dev_t, ino_t>& folder) {
+  return st.st_dev == folder.first && st.st_ino == folder.second;
+}
 
 // The removal of what one open folder holds, one level at a time.
 class Walk {
  public:
-  Walk() = default;
-  ~Walk() {
-    for (const Level& level : levels_) {
-      if (level.fd >= 0) ::close(level.fd);
-    }
-  }
-  Walk(const Walk&) = delete;
-  Walk& operator=(const Walk&) = delete;
-
   bool Run(int folder) {
     const int top = ::fcntl(folder, F_DUPFD_CLOEXEC, 0);
     if (top < 0 || !Enter(top)) return false;
     for (;;) {
-      Level& level = levels_.back();
-      if (level.next == level.entries.size()) {
-        if (levels_.size() == 1) return true;
+      const FolderEntry* entry = walk_.Current();
+      if (entry == nullptr) {
+        if (walk_.depth() == 1) return true;
         if (!Leave()) return false;
         continue;
       }
-      const FolderEntry& entry = level.entries[level.next];
-      const char* name = entry.name.c_str();
-      if (!entry.folder) {
-        if (::unlinkat(level.fd, name, 0) == 0 || errno == ENOENT) {
-          ++level.next;
+      const int here = walk_.folder();
+      const char* name = entry->name.c_str();
+      if (!entry->folder) {
+        if (::unlinkat(here, name, 0) == 0 || errno == ENOENT) {
+          walk_.Pass();
           continue;
         }
         if (errno != EISDIR) return false;
-      } else if (::unlinkat(level.fd, name, AT_REMOVEDIR) == 0 || errno == ENOENT) {
+      } else if (!holds_in_use_.back() &&
+                 (::unlinkat(here, name, AT_REMOVEDIR) == 0 || errno == ENOENT)) {
         // An empty folder goes at once, without being opened and listed.
-        ++level.next;
+        walk_.Pass();
         continue;
       }
-      const int child = OpenSubfolder(level.fd, entry.name);
+      const int child = OpenSubfolder(here, entry->name);
       if (child < 0) {
         // Gone meanwhile, or no longer a folder (a link to one included):
         // removed as the entry it is.
         if (errno == ENOENT ||
-            ((errno == ELOOP || errno == ENOTDIR) && ::unlinkat(level.fd, name, 0) == 0)) {
-          ++level.next;
+            ((errno == ELOOP || errno == ENOTDIR) && ::unlinkat(here, name, 0) == 0)) {
+          walk_.Pass();
           continue;
         }
         return false;
@@ -83,46 +77,46 @@ class Walk {
   }
 
  private:
-  // Takes the open folder `fd` as the new deepest level.
+  // Takes the open folder `fd` as the new deepest level, its owner given the
+  // rights to empty it.
   bool Enter(int fd) {
-    levels_.push_back({});
-    Level& level = levels_.back();
-    level.fd = fd;
-    struct stat st;
-    if (::fstat(fd, &st) != 0) return false;
-    level.device = st.st_dev;
-    level.inode = st.st_ino;
+    struct stat st {};
+    const bool known = walk_.Down(fd, &st);
+    in_use_.push_back(known && Is(st, current_.self));
+    holds_in_use_.push_back(known && Is(st, current_.parent));
+    if (!known) return false;
     if ((st.st_mode & S_IRWXU) != S_IRWXU) ::fchmod(fd, (st.st_mode & 07777) | S_IRWXU);
-    if (!ListOpenFolder(fd, &level.entries)) return false;
-    if (levels_.size() > kOpenFolders) {
-      Level& far = levels_[levels_.size() - 1 - kOpenFolders];
-      if (far.fd >= 0) ::close(std::exchange(far.fd, -1));
-    }
+    std::vector<FolderEntry>& entries = walk_.entries();
+    if (!ListOpenFolder(fd, &entries)) return false;
+    // In the order of a listing on Windows, which decides what stays when the
+    // removal stops.
+    std::vector<std::pair<std::u16string, FolderEntry>> keyed;
+    keyed.reserve(entries.size());
+    for (FolderEntry& e : entries) keyed.emplace_back(PathFromNative(e.name), std::move(e));
+    std::sort(keyed.begin(), keyed.end(),
+              [](const auto& a, const auto& b) { return NtfsLess(a.first, b.first); });
+    for (std::size_t i = 0; i < keyed.size(); ++i) entries[i] = std::move(keyed[i].second);
     return true;
   }
 
-  // The deepest folder is empty: back to its parent, which removes it.
+  // The deepest folder is empty: back to its parent, which removes it, unless
+  // it is the current folder, where the removal stops.
   bool Leave() {
-    const Level done = std::move(levels_.back());
-    levels_.pop_back();
-    Level& parent = levels_.back();
-    bool same = true;
-    if (parent.fd < 0) {
-      parent.fd = ::openat(done.fd, "..", kFolderFlags);
-      struct stat st;
-      same = parent.fd >= 0 && ::fstat(parent.fd, &st) == 0 && st.st_dev == parent.device &&
-             st.st_ino == parent.inode;
-    }
-    ::close(done.fd);
-    if (!same) return false;
-    if (::unlinkat(parent.fd, parent.entries[parent.next].name.c_str(), AT_REMOVEDIR) != 0) {
+    const bool in_use = in_use_.back();
+    in_use_.pop_back();
+    holds_in_use_.pop_back();
+    if (!walk_.Up() || in_use) return false;
+    if (::unlinkat(walk_.folder(), walk_.Current()->name.c_str(), AT_REMOVEDIR) != 0) {
       return false;
     }
-    ++parent.next;
+    walk_.Pass();
     return true;
   }
 
-  std::vector<Level> levels_;
+  FolderWalk walk_;
+  const InUse current_;
+  std::vector<bool> in_use_;        // for each level: it is the current folder
+  std::vector<bool> holds_in_use_;  // for each level: the current folder is in it
 };
 
 }  // namespace
@@ -133,8 +127,10 @@ bool RemoveTreeAt(int parent, const std::string& name) {
   const int folder = OpenSubfolder(parent, name);
   if (folder < 0) return false;
   const bool emptied = EmptyFolder(folder);
+  struct stat st;
+  const bool in_use = ::fstat(folder, &st) != 0 || Is(st, InUse().self);
   ::close(folder);
-  return emptied && ::unlinkat(parent, name.c_str(), AT_REMOVEDIR) == 0;
+  return emptied && !in_use && ::unlinkat(parent, name.c_str(), AT_REMOVEDIR) == 0;
 }
 
 bool RemoveTree(std::u16string_view path) {
@@ -142,7 +138,23 @@ bool RemoveTree(std::u16string_view path) {
   while (rest.size() > 1 && rest.back() == u'/') rest.remove_suffix(1);
   const std::size_t cut = rest.rfind(u'/');
   const std::u16string_view leaf = cut == rest.npos ? rest : rest.substr(cut + 1);
-  if (leaf.empty() || leaf == u"." || leaf == u"..") return false;
+  if (leaf.empty()) return false;
+  if (leaf == u"." || leaf == u"..") {
+    // "a/b/.." is "a" on the text, as Windows reads it.
+    const Win32Path clean = CleanWin32Path(path);
+    if (!clean.nameable) return false;
+    const std::u16string_view cleaned = clean.path;
+    if (cleaned != u"." && cleaned != u".." && !cleaned.ends_with(u"/..")) {
+      return RemoveTree(cleaned);
+    }
+    // The current folder or one above it: emptied as far as Windows gets
+    // (not the current folder itself, which is in use), never removed.
+    const int folder = ::open(SystemPath(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder < 0) return false;
+    EmptyFolder(folder);
+    ::close(folder);
+    return false;
+  }
   const std::u16string parent(cut == rest.npos ? u"." : cut == 0 ? u"/" : rest.substr(0, cut));
   const int folder = ::open(SystemPath(parent).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
   if (folder < 0) return false;

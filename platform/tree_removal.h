@@ -17,6 +17,9 @@
 // must then be the very folder that was left.  So a tree of any depth can be
 // removed with a handful of descriptors.
 //
+// The current folder of this process is in use, and Windows removes no folder
+// in use: it is emptied but stays, and the removal stops there.
+//
 // All three stop at the first entry that cannot be removed and leave the rest
 // in place.
 #ifndef QV_PLATFORM_TREE_REMOVAL_H_
@@ -29,8 +32,9 @@ namespace quorvane::platform {
 
 // Removes the folder `path` with everything in it.  The folders on the way to
 // it are found as usual; its last part must be a real folder: a link, a file
-// or a missing name gives false and nothing is touched.  True if the folder
-// is gone.
+// or a missing name gives false and nothing is touched.  A last part "." or
+// ".." names a folder that stays: it is emptied, and the result is false.
+// True if the folder is gone.
 bool RemoveTree(std::u16string_view path);
 
 // For the platform layer's own folders: removes the folder `name` (raw bytes,

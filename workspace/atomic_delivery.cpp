@@ -51,8 +51,9 @@ void PackFolderWhole(const std::u16string& folder, const std::u16string& archive
     PackFolder(folder, archive, compress);
     return;
   }
-  // The name as the file calls clean it ("x." is "x"), then as the tool completes it.
-  const std::u16string zip = ZipPathOf(platform::PathAsFound(archive));
+  // The name as the tool completes it ("x" is "x.zip", "x." is "x"), then as
+  // the file calls clean it ("x.." is "x.", which is "x").
+  const std::u16string zip = platform::PathAsFound(ZipPathOf(archive));
   const std::u16string partial = zip + u".partial";
   // Runs of one output path take turns on its temporary.
   // (Best effort: a folder that refuses the lock file still gets its package.)
@@ -65,6 +66,8 @@ void PackFolderWhole(const std::u16string& folder, const std::u16string& archive
   // The tool adds to an archive that is there already: it works on a copy
   // (of nothing, where there is none).
   platform::CopyFile(zip, partial);
+  // 7-Zip replaces a read-only archive like any other.
+  platform::MakeWritable(partial);
 
   run_log::Step("pack", folder, partial);
   int status = -1;

@@ -49,11 +49,35 @@ TEST_F(CheckReport, ScheduleFindingsOutcomesAndReport) {
   p_.File("Interrupt_1.csv", "anything"), p_.File("Interrupt_2.csv", "");
   RemoveAll(report_);
   EXPECT_EQ(Check().status, 2);
-  EXPECT_EQ(WorkFolders(temp_).size(), 1u);
+  ASSERT_EQ(WorkFolders(temp_).size(), 1u);  // with the content copy's unused scratch folder
+  EXPECT_EQ(ListDir(temp_ + "/QvConv/" + WorkFolders(temp_)[0]),
+            (std::vector<std::string>{"QvFormat/", "Temp/"}));
   EXPECT_EQ(Findings(Report(), {1}),
             "schedule SC0301 W  \ninterrupt EP0000 E  : Not support the special program table.\n");
   const std::string files = Outline(Report().At("CheckInfo"));  // one interrupt file, the last
   EXPECT_EQ(files.find("CheckFile src=" + project_ + "\\Interrupt_"), files.rfind("CheckFile"));
+}
+
+// A check makes a folder for each program in its work folder, as the conversion does, and one that
+// stops at a bad program leaves the folders of the programs up to that one, and no others.
+TEST_F(CheckReport, AStoppedCheckLeavesTheProgramFoldersMadeSoFar) {
+  Rows lines;
+  std::vector<std::string> made;
+  for (int i = 1; i <= 300; ++i) {
+    const std::string folder = "P" + std::to_string(1000 + i);  // walked in the order of the names
+    lines.push_back(ProgramLine("08:00:00", "09:00:00", folder));
+    p_.Program(folder, {});
+    if (i <= 250) made.push_back("PG" + std::to_string(i) + "/");
+  }
+  p_.Schedule({ScheduleEntry("2035/05/05", "TimeTable_1.csv", "true")});
+  p_.TimeTable("TimeTable_1.csv", "T", lines);
+  p_.File("P1250/program.csv", "bad \\escape\r\n");
+  EXPECT_EQ(Check().status, Status(-102));
+  ASSERT_EQ(WorkFolders(temp_).size(), 1u);
+  std::vector<std::string> left =
+      ListDir(temp_ + "/QvConv/" + WorkFolders(temp_)[0] + "/QvFormat/QvP");
+  std::sort(made.begin(), made.end());
+  EXPECT_EQ(left, made);
 }
 
 // The program must fit the display region given with -td and start at its corner; a turned

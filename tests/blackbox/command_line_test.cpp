@@ -1,6 +1,9 @@
 // The command line at the process boundary: every refusal is status 255 (-1), prints nothing and
 // touches nothing; quotes, any order, an empty argument ends the line; plain archives opened with
-// -unpackage.  Runs through a parameter file: the dispatch cells the command line cannot reach.
+// -unpackage, also into the current folder; where the archive tool and the temporary folder come
+// from.  Runs through a parameter file: the dispatch cells the command line cannot reach.
+#include <sys/stat.h>
+
 #include "tests/blackbox/project_builder.h"
 
 namespace qvtest {
@@ -65,6 +68,58 @@ TEST_F(Cli, AcceptedFormsOfTheCommandLine) {
     EXPECT_EQ(Qv({not_zip, "-unpackage" + dest_}), 0) << not_zip;
     EXPECT_FALSE(Exists(dest_)) << not_zip;
   }
+}
+
+// Runs `program` with the current folder `folder` on the archive `zip` into `destination`.
+int OpenFrom(const std::string& folder, const std::string& program, const std::string& zip,
+             const std::string& destination, const std::vector<std::string>& env) {
+  return RunProgram({"sh", "-c", "cd \"$1\" && exec \"$2\" \"$3\" -unpackage\"$4\"", "sh", folder,
+                     program, zip, destination},
+                    env)
+      .status;
+}
+
+// Windows empties the current folder given as the destination, as far as it can: the folder itself
+// is in use and stays.  Given the folder above, the removal goes in the order of a listing on
+// Windows until it reaches the current folder, which it empties and where it stops.  A destination
+// typed in another case than the folder there is made again as typed.
+TEST_F(Cli, CurrentFolderAndFolderTypedInAnotherCase) {
+  WriteFile(scratch_.Sub("src/new.txt"), "new");
+  ZipFolderContents(scratch_.Sub("src"), scratch_.Sub("new.zip"));
+  WriteFile(dest_ + "/old/stale.txt", "stale");
+  EXPECT_EQ(OpenFrom(dest_, QV_BINARY, scratch_.Sub("new.zip"), ".", RunEnv(temp_)), 0);
+  EXPECT_EQ(ListDir(dest_), std::vector<std::string>{"new.txt"});
+  for (const char* name : {"z1", "a1", "Y2", "b1", "y1", "Z2", "inner/x"})
+    WriteFile(dest_ + "/" + name, "x");
+  EXPECT_EQ(OpenFrom(dest_ + "/inner", QV_BINARY, scratch_.Sub("new.zip"), "..", RunEnv(temp_)), 0);
+  EXPECT_EQ(ListDir(dest_),
+            (std::vector<std::string>{"Y2", "Z2", "inner/", "new.txt", "y1", "z1"}));
+  EXPECT_TRUE(ListDir(dest_ + "/inner").empty());
+
+  MakeDirs(scratch_.Sub("PlainCase"));
+  EXPECT_EQ(Qv({scratch_.Sub("new.zip"), "-unpackage" + scratch_.Sub("plaincase")}), 0);
+  EXPECT_TRUE(Exists(scratch_.Sub("plaincase/new.txt")) && !Exists(scratch_.Sub("PlainCase")));
+}
+
+// The archive tool is looked for as Windows looks for a program named without a folder: beside
+// this program first, then in the current folder, then on the search path.  The probe makes a
+// temporary folder that is not there yet, as the tool makes the folder it extracts into.
+TEST_F(Cli, TheToolAndTheTemporaryFolder) {
+  const std::string bin = scratch_.Sub("bin"), here = scratch_.Sub("here");
+  MakeDirs(here);
+  ASSERT_EQ(RunProgram({"cp", QV_BINARY, (MakeDirs(bin), bin + "/qvConvApp")}).status, 0);
+  for (const std::string& folder : {bin, here}) {
+    WriteFile(folder + "/7za", "#!/bin/sh\necho \"$@\" >>\"" + folder + "/calls\"\n");
+    ::chmod((folder + "/7za").c_str(), 0755);
+  }
+  EXPECT_EQ(OpenFrom(here, bin + "/qvConvApp", zip_, dest_, RunEnv(temp_)), 0);
+  EXPECT_TRUE(Exists(bin + "/calls") && !Exists(here + "/calls"));
+  EXPECT_EQ(OpenFrom(here, QV_BINARY, zip_, dest_, RunEnv(temp_)), 0);
+  EXPECT_TRUE(Exists(here + "/calls"));
+
+  EXPECT_EQ(RunQv({zip_, "-unpackage" + dest_}, {"TMPDIR=" + scratch_.Sub("no/such/tmp")}).status,
+            0);
+  EXPECT_EQ(ReadFile(dest_ + "/dir/a.txt"), "a");
 }
 
 const char* const kDocuments[] = {"QvS.xml",         "QvT/TM1.xml",     "QvT/TM2.xml",

@@ -130,7 +130,7 @@ TEST_F(WindowsProjects, CopiesKeepTheirTimesAndFoldersAreNotMadeTwice) {
 
 // The archive tool knows nothing of case: it is given the package and the destination as the
 // program finds them, so a package typed in another case opens, into the folder that is there; a
-// plain archive typed so empties the folder that is there and fills it.
+// plain archive typed so removes the folder that is there, and the tool makes it again as typed.
 TEST_F(WindowsProjects, PackageAndDestinationTypedInAnotherCaseOpen) {
   BuildCleanProject(p_);
   ASSERT_EQ(Package().status, 0);
@@ -144,8 +144,8 @@ TEST_F(WindowsProjects, PackageAndDestinationTypedInAnotherCaseOpen) {
   ZipFolderContents(back, scratch_.Sub("plain.zip"));
   WriteFile(back + "/stale.txt", "stale");
   ASSERT_EQ(Unpackage(scratch_.Sub("Plain.Zip"), scratch_.Sub("BACK")).status, 0);
-  EXPECT_FALSE(Exists(scratch_.Sub("BACK")) || Exists(back + "/stale.txt"));
-  EXPECT_EQ(ReadFile(back + "/contents/CT3.mp4"), kMovieBytes);
+  EXPECT_FALSE(Exists(back) || Exists(scratch_.Sub("BACK/stale.txt")));
+  EXPECT_EQ(ReadFile(scratch_.Sub("BACK/contents/CT3.mp4")), kMovieBytes);
 }
 
 }  // namespace

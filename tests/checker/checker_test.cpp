@@ -5,13 +5,11 @@
 #include "checker/qv_ch_table.h"
 #include "checker/qv_checker.h"
 #include "tests/support/test_support.h"
-#include "xml/qvf_xml_document.h"
 
 namespace qvtest {
 namespace {
 
 namespace checker = quorvane::qvconv::checker;
-namespace xml = quorvane::qvformat::format::io::xml;
 using checker::ChContentsInfo, checker::ChProgram, checker::ChSchedule, checker::ChTimeTable;
 using checker::QvChMessage;
 
@@ -36,21 +34,17 @@ class CheckerHarness {
     return e.code() + 10000;
   }
 
-  // "id:kind@pane" of every Result of the report in document order, and " =<code>" for a code that
-  // is not 0; `text` gets the first Result's text.
+  // "id:kind@pane" of every finding in report order, and " =<code>" for a code that is not 0;
+  // `text` gets the first finding's text.
   std::string Kinds(std::int32_t code = 0, std::string* text = nullptr) const {
     std::string kinds;
-    xml::ForEachChildElement(checker.check_result, [&](xercesc::DOMElement* data) {
-      xml::ForEachChildElement(data, [&](xercesc::DOMElement* r) {
-        auto attr = [r](const char16_t* name) {
-          return U8(xml::QvFXmlDocument::getAttribute(r, name));
-        };
-        kinds += " " + attr(u"id") + ":" + attr(u"kind") +
-                 (attr(u"pane").empty() ? "" : "@" + attr(u"pane"));
-        if (text && text->empty())
-          *text = U8(reinterpret_cast<const char16_t*>(r->getTextContent()));
-      });
-    });
+    for (const checker::QvChecker::CheckedFile& data : checker.check_data) {
+      for (const checker::QvChecker::Finding& r : data.results) {
+        kinds += " " + U8(r.id) + (r.is_error ? ":E" : ":W") +
+                 (r.pane < 0 ? "" : "@" + std::to_string(r.pane));
+        if (text && text->empty()) *text = U8(r.message);
+      }
+    }
     return (kinds.empty() ? kinds : kinds.substr(1)) + (code ? " =" + std::to_string(code) : "");
   }
 
