@@ -1,7 +1,8 @@
 // Project CSV files: the byte syntax (splitting, escapes, line ends, the line limit, code page 932
 // both ways, failure codes); schedules, time tables, programs, playlists and contents as the
 // reader takes them; numbering of identifiers, file and folder names.  The files the writer makes
-// on the way back: tests/blackbox/roundtrip_test.cpp.
+// on the way back: tests/blackbox/roundtrip_test.cpp.  (Reads shared by the checker and the reader
+// are a saving no run can see.)
 #include "csv/qv_csv_file.h"
 #include "csv/qvf_csv_index.h"
 #include "csv/qvf_read_csv.h"
@@ -77,42 +78,6 @@ TEST(CsvFileWrite, ExactBytesRoundTripAndFailures) {
   EXPECT_EQ(CodeOf([&] { in.ReadFile(U16(dir.Sub("missing.csv"))); }), -101);
   EXPECT_EQ(CodeOf([&] { in.ReadFile(U16(dir.path())); }), -101);
   EXPECT_EQ(CodeOf([&] { out.WriteFile(U16(dir.Sub("no/such/folder.csv"))); }), -3);
-}
-
-// While reads are shared, the bytes (or rows) of the last file read serve the next read of the same
-// path once, also bytes that did not parse; another path, a failed read or the end of the sharing
-// lets the file be read again.
-TEST(CsvFileRead, SharedReadsServeTheNextReadOfTheSamePathOnce) {
-  qvtest::ScratchDir dir;
-  const std::string a = dir.Sub("a.csv"), b = dir.Sub("b.csv");
-  WriteFile(b, "b\r\n");
-  // Writes `now` into a.csv first ("-": removes it, "": neither); the first field of `path`, or
-  // the code of the failure.
-  const auto read = [&](const char* now, const std::string& path) {
-    if (*now) *now == '-' ? qvtest::RemoveAll(a) : WriteFile(a, now + std::string("\r\n"));
-    QvCsvFile file;
-    const std::int32_t code = CodeOf([&] { file.ReadFile(U16(path)); });
-    return code ? std::to_string(code) : U8(file.GetFirstField(0));
-  };
-  std::string seen;
-  {
-    QvCsvFile::SharedReads shared;
-    for (const auto& [now, path] : std::vector<std::pair<const char*, std::string>>{{"1", a},
-                                                                                    {"2", a},
-                                                                                    {"", a},
-                                                                                    {"3", b},
-                                                                                    {"", a},
-                                                                                    {"-", a},
-                                                                                    {"", a},
-                                                                                    {"4", a},
-                                                                                    {"\\x", b},
-                                                                                    {"", a},
-                                                                                    {"7", a}})
-      seen += read(now, path) + " ";
-    WriteFile(a, "5\r\n");
-  }
-  seen += read("", a);  // nothing is kept once the sharing has ended
-  EXPECT_EQ(seen + " " + read("6", a), "1 1 2 b 3 3 -101 4 b -102 -102 5 6");
 }
 
 // The add form numbers new keys, the plain form enters an empty one.

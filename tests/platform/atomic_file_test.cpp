@@ -1,13 +1,8 @@
-// Files delivered whole through a temporary, and started programs: their output and status, and
-// that they do not outlive their caller.  The log file: tests/blackbox/run_log_test.cpp.
-#include <signal.h>
+// Files delivered whole through a temporary, and started programs: their output and status.  The
+// log file: tests/blackbox/run_log_test.cpp; that no program outlives a killed run, and results
+// stay whole: bench/kill_test.py (a ctest test).
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
-
-#include <chrono>
-#include <fstream>
-#include <thread>
 
 #include "platform/atomic_file.h"
 #include "platform/process.h"
@@ -67,42 +62,6 @@ TEST(Process, ReportsStartExitAndTheStandardOutput) {
   EXPECT_TRUE(r.started && r.exit_status == 4);
   EXPECT_EQ(out, std::string(300000, '\0'));
   EXPECT_FALSE(RunProcess({u"no-such-program-qv"}, out).started || !out.empty());
-}
-
-// Polls `done` for up to five seconds.
-template <typename Done>
-bool Within5s(Done done) {
-  for (int i = 0; i < 500 && !done(); ++i)
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  return done();
-}
-
-// Whether a process still runs (a zombie that nobody has reaped runs no more).
-bool Runs(pid_t pid) {
-  std::ifstream stat("/proc/" + std::to_string(pid) + "/stat");
-  std::string text((std::istreambuf_iterator<char>(stat)), std::istreambuf_iterator<char>());
-  const auto state = text.rfind(')') + 2;
-  return state < text.size() && text[state] != 'Z' && text[state] != 'X';
-}
-
-TEST(Process, AStartedProgramEndsWithItsCaller) {
-  qvtest::ScratchDir dir;
-  const std::string pid_file = dir.Sub("pid");
-  const pid_t caller = ::fork();
-  ASSERT_GE(caller, 0);
-  if (caller == 0) {
-    RunProcess({u"sh", u"-c",
-                U16("echo $$ > " + pid_file + ".tmp; mv " + pid_file + ".tmp " + pid_file +
-                    "; exec sleep 30")});
-    ::_exit(0);
-  }
-  ASSERT_TRUE(Within5s([&] { return qvtest::Exists(pid_file); }));
-  const pid_t tool = std::stoi(ReadFile(pid_file));
-  EXPECT_TRUE(Runs(tool));
-  ::kill(caller, SIGKILL);
-  ::waitpid(caller, nullptr, 0);
-  EXPECT_TRUE(Within5s([&] { return !Runs(tool); })) << "the program outlived its killed caller";
-  ::kill(tool, SIGKILL);
 }
 
 }  // namespace
