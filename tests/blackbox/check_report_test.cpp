@@ -74,10 +74,8 @@ TEST_F(CheckReport, AStoppedCheckLeavesTheProgramFoldersMadeSoFar) {
   p_.File("P1250/program.csv", "bad \\escape\r\n");
   EXPECT_EQ(Check().status, Status(-102));
   ASSERT_EQ(WorkFolders(temp_).size(), 1u);
-  std::vector<std::string> left =
-      ListDir(temp_ + "/QvConv/" + WorkFolders(temp_)[0] + "/QvFormat/QvP");
   std::sort(made.begin(), made.end());
-  EXPECT_EQ(left, made);
+  EXPECT_EQ(ListDir(temp_ + "/QvConv/" + WorkFolders(temp_)[0] + "/QvFormat/QvP"), made);
 }
 
 // The program must fit the display region given with -td and start at its corner; a turned

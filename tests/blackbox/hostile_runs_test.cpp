@@ -37,13 +37,10 @@ class HostileRuns : public BlackBoxTest {
 int MakeDeepFolder(std::string& path, std::size_t length) {
   int folder = open(path.c_str(), O_RDONLY | O_DIRECTORY);
   for (int i = 0; folder >= 0 && path.size() <= length; ++i) {
-    const std::string name =
-        "とても長いフォルダの名前_" + std::string(140, 'x') + std::to_string(i);
+    const std::string name = "長いフォルダの名前_" + std::string(140, 'x') + std::to_string(i);
     mkdirat(folder, name.c_str(), 0755);
     const int next = openat(folder, name.c_str(), O_RDONLY | O_DIRECTORY);
-    close(folder);
-    folder = next;
-    path += "/" + name;
+    close(folder), folder = next, path += "/" + name;
   }
   return folder;
 }
