@@ -74,9 +74,7 @@ TEST_F(Conversion, Utf16TelopCapitalExtensionsAndAMissingContentFile) {
   p_.Playlist("Program_1", 5, {TelopItem("NEWS.TLP")});
   p_.Content("Photo.JPEG", "jpeg bytes"), p_.Content("Clip.MP4", "mp4 bytes");
   const std::string text = TelopText(500, 0, {"Hello", "World"});
-  const std::u16string wide = U16(text);
-  p_.Content("NEWS.TLP",
-             "\xff\xfe" + std::string(reinterpret_cast<const char*>(wide.data()), wide.size() * 2));
+  p_.Content("NEWS.TLP", Utf16Le(text));
   ASSERT_EQ(Package().status, 0);
   EXPECT_EQ(Contents(Extracted() + "/QvC"),
             (std::vector<std::string>{"CT1.jpg=jpeg bytes", "CT2.mp4=mp4 bytes",

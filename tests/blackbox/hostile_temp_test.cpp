@@ -34,16 +34,13 @@ class HostileTemp : public BlackBoxTest {
     ASSERT_EQ(Package(kSample).status, 0);
     WriteFile(scratch_.Sub("plain/dir/file.txt"), "plain");
     ZipFolderContents(scratch_.Sub("plain"), plain_);
-    WriteFile(victim_ + "/keep.txt", "keep");
-    WriteFile(victim_file_, "victim");
+    WriteFile(victim_ + "/keep.txt", "keep"), WriteFile(victim_file_, "victim");
   }
 
   // The kind and inode of what stands under a name, to see that it was left alone.
   std::string Identity(const std::string& path) {
     struct stat st;
-    return ::lstat(path.c_str(), &st) != 0
-               ? "none"
-               : std::to_string(st.st_mode) + "/" + std::to_string(st.st_ino);
+    return ::lstat(path.c_str(), &st) ? "none" : std::to_string(st.st_mode ^ st.st_ino << 16);
   }
 
   // Runs one way with a fresh destination holding old.txt; the exit status.

@@ -29,8 +29,7 @@ using RoundTrip = HandPackageTest;
 TEST_F(RoundTrip, PackageComesBackAsProject) {
   BuildCleanProject(p_);
   ASSERT_EQ(Package().status, 0);
-  EXPECT_EQ(Unpackage(zip_, back_).status, 0);
-  EXPECT_FALSE(Exists(back_)) << "nothing makes the destination";
+  EXPECT_TRUE(Unpackage(zip_, back_).status == 0 && !Exists(back_)) << "nothing makes it";
   ASSERT_EQ(UnpackageTo(zip_, back_).status, 0);
   // A schedule, two time tables, four contents, two programs of 11 files; one stamp for the run.
   const std::string s = StampOf(back_);

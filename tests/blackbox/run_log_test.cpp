@@ -25,9 +25,8 @@ class RunLog : public BlackBoxTest {
   }
   std::string PackageLog(int status) { return Logged({project_, "-package" + zip_}, status); }
   // A project path as the program joins it: with backslashes, as on Windows.
-  std::string Path(std::string relative) {
-    std::replace(relative.begin(), relative.end(), '/', '\\');
-    return Quoted(project_ + "\\" + relative);
+  std::string Path(const std::string& relative) {
+    return Quoted(project_ + "\\" + Replaced(relative, "/", "\\"));
   }
 
   std::string log_ = scratch_.Sub("run.log"), back_ = scratch_.Sub("back");

@@ -11,7 +11,7 @@ using namespace std::string_literals;
 using qvtest::Cp932, qvtest::U16;
 
 // The mark: 1 UTF-16 little-endian, 2 big-endian, 3 UTF-8 (its third byte not looked at), 0 none.
-TEST(TelopRecoding, TheMarkOfAFile) {
+TEST(TelopRecoding, TheMarkOfAFileAndCopies) {
   qvtest::ScratchDir scratch;
   const std::pair<std::string, int> cases[] = {
       {"", 0},         {"\xFF", 0},         {"\xFF\xFE", 1},  {"\xFE\xFFrest", 2},
@@ -21,6 +21,13 @@ TEST(TelopRecoding, TheMarkOfAFile) {
     EXPECT_EQ(ReadByteOrderMark(U16(scratch.Sub("f"))), mark) << bytes;
   }
   EXPECT_THROW(ReadByteOrderMark(U16(scratch.Sub("missing"))), std::runtime_error);
+  // A copy without a source fails, as its mark cannot be read; a target that cannot be made is
+  // passed over, and so is one that fills up.
+  qvtest::WriteFile(scratch.Sub("t.tlp"), Cp932("速報"));
+  EXPECT_THROW(CopyTelopAsText(U16(scratch.Sub("missing")), U16(scratch.Sub("x"))),
+               std::runtime_error);
+  EXPECT_NO_THROW(CopyTelopAsText(U16(scratch.Sub("t.tlp")), U16(scratch.Sub("no/such/x.tlp"))));
+  EXPECT_NO_THROW(CopyTelopAsText(U16(scratch.Sub("t.tlp")), u"/dev/full"));
 }
 
 TEST(TelopRecoding, TextBecomesUtf8ByItsMark) {
@@ -38,17 +45,6 @@ TEST(TelopRecoding, TextBecomesUtf8ByItsMark) {
   EXPECT_EQ(TelopAsUtf8(le + "a\0\r\0\n\0\x42\x30\n\0"s, 1), "a\r\xE3\x81\x82");
   EXPECT_EQ(TelopAsUtf8(le + "x\0\x3D\xD8\x00\xDEy\0"s, 1), "x");
   EXPECT_EQ(TelopAsUtf8(le + "z\0!"s, 1), "z");
-}
-
-// No source: the mark cannot be read, which is a failed copy; a target that cannot be made is
-// passed over, and so is one that fills up.
-TEST(TelopRecoding, CopyFailsOnlyWithoutASource) {
-  qvtest::ScratchDir dir;
-  qvtest::WriteFile(dir.Sub("t.tlp"), Cp932("速報"));
-  EXPECT_THROW(CopyTelopAsText(U16(dir.Sub("missing.tlp")), U16(dir.Sub("x.tlp"))),
-               std::runtime_error);
-  EXPECT_NO_THROW(CopyTelopAsText(U16(dir.Sub("t.tlp")), U16(dir.Sub("no/such/x.tlp"))));
-  EXPECT_NO_THROW(CopyTelopAsText(U16(dir.Sub("t.tlp")), u"/dev/full"));
 }
 
 }  // namespace

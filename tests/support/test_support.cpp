@@ -107,6 +107,10 @@ std::vector<std::string> Contents(const std::string& folder) {
 std::string Cp932(std::string_view utf8) { return Convert(utf8, "CP932", "UTF-8"); }
 std::string Utf8FromCp932(std::string_view cp932) { return Convert(cp932, "UTF-8", "CP932"); }
 
+std::string Utf16Le(std::string_view utf8) {
+  return "\xFF\xFE" + Convert(utf8, "UTF-16LE", "UTF-8");
+}
+
 std::u16string U16(std::string_view utf8) {
   std::string bytes = Convert(utf8, "UTF-16LE", "UTF-8");
   std::u16string out(bytes.size() / 2, u'\0');

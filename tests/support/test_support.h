@@ -59,6 +59,7 @@ std::vector<std::string> Contents(const std::string& folder);
 std::string Cp932(std::string_view utf8);
 std::string Utf8FromCp932(std::string_view cp932);
 std::u16string U16(std::string_view utf8);
+std::string Utf16Le(std::string_view utf8);  // with its byte order mark
 std::string U8(std::u16string_view text);
 
 struct RunResult {
