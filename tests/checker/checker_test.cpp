@@ -95,13 +95,8 @@ TEST(CheckerWalk, UnreadableFilesFailAsCsv) {
   EXPECT_FALSE(h.checker.has_result);
 }
 
-// The clock of the schedule and time table checks: 2030/06/15 12:00:00.
+// The day of the schedule and time table checks, whose clock stands at noon.
 constexpr char kToday[] = "2030/06/15";
-std::tm Noon() {
-  std::tm t{};
-  t.tm_year = 130, t.tm_mon = 5, t.tm_mday = 15, t.tm_hour = 12;
-  return t;
-}
 
 // Checks a schedule of the given entries: today's time table, then the findings.
 std::string Today(CheckerHarness& h, std::vector<std::string> entries,
@@ -115,7 +110,7 @@ std::string Today(CheckerHarness& h, std::vector<std::string> entries,
 // bad data.  The date cell is scanned "%4d/%2d/%2d": a third digit of the day is left over, and
 // the ideographic space before a number is white space.
 TEST(CheckerSchedule, TodaysTableAndDateCells) {
-  FixedClock clock(Noon());
+  FixedClock clock(Tm(2030, 6, 15, 12));
   const std::string t = kToday;
   CheckerHarness h, g, s;
   std::string text;
@@ -131,7 +126,7 @@ TEST(CheckerSchedule, TodaysTableAndDateCells) {
 // Only today's time table is held against the clock: a time before now is a warning, one after
 // it is not, and another day's table is not looked at.
 TEST(CheckerTimeTable, TodaysTimesAgainstTheClock) {
-  FixedClock clock(Noon());
+  FixedClock clock(Tm(2030, 6, 15, 12));
   CheckerHarness h;
   EXPECT_EQ(Today(h, {std::string(kToday) + ",TM_t.csv", "2030/06/16,TM_o.csv"}), "TM_t.csv ");
   EXPECT_EQ(h.Check(ChTimeTable, h.Csv("TM_t.csv", {"t", "x", "11:59:59,12:00:01,,,,"})), 0);

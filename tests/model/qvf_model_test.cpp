@@ -12,11 +12,7 @@
 namespace quorvane::qvformat::format {
 namespace {
 
-QvFColor Color(int a, int r, int g, int b) {
-  QvFColor c;
-  c.a = a, c.r = r, c.g = g, c.b = b;
-  return c;
-}
+QvFColor Color(int a, int r, int g, int b) { return {{}, a, r, g, b}; }
 
 // What `form` gives for each text, ';' after each; Date and Time start from 2020/07/15 10:20:30.
 template <typename Form>
@@ -25,17 +21,12 @@ std::u16string Each(Form form, std::initializer_list<std::u16string_view> texts)
   for (std::u16string_view text : texts) out += form(text) + u";";
   return out;
 }
-std::tm Sample() {
-  std::tm t{};
-  t.tm_year = 120, t.tm_mon = 6, t.tm_mday = 15, t.tm_hour = 10, t.tm_min = 20, t.tm_sec = 30;
-  return t;
-}
 std::u16string Date(std::u16string_view text) {
-  std::tm t = Sample();
+  std::tm t = qvtest::Tm(2020, 7, 15, 10, 20, 30);
   return ParseDate(text, t), FormatDate(t);
 }
 std::u16string Time(std::u16string_view text) {
-  std::tm t = Sample();
+  std::tm t = qvtest::Tm(2020, 7, 15, 10, 20, 30);
   return ParseTime(text, t), FormatTime(t);
 }
 
@@ -74,7 +65,7 @@ TEST(ModelTextForms, DatesScanAtMostFourTwoTwoDigitsTimesTwoEach) {
                         u"2024-01-05", u"20245/01/05", u"2024/123/4"}),
             u"2024/01/02;1999/12/31;2020/07/15;2020/07/15;2020/07/15;2020/07/15;2024/07/15;"
             u"2024/07/15;2024/12/15;");
-  std::tm t = Sample();
+  std::tm t = qvtest::Tm(2020, 7, 15, 10, 20, 30);
   ParseDate(u"2001/02/03", t);
   EXPECT_EQ(FormatTime(t), u"10:20:30");
   EXPECT_EQ(Each(Time, {u"9:5:1", u"08:45", u"123:00:00", u"x1:00:00", u"99:99:99"}),

@@ -172,6 +172,13 @@ std::string Replaced(std::string text, const std::string& from, const std::strin
   return text;
 }
 
+std::tm Tm(int year, int month, int day, int hour, int minute, int second) {
+  std::tm t{};
+  t.tm_year = year - 1900, t.tm_mon = month - 1, t.tm_mday = day;
+  t.tm_hour = hour, t.tm_min = minute, t.tm_sec = second;
+  return t;
+}
+
 std::string DateFromToday(int days) {
   const std::time_t when = std::time(nullptr) + static_cast<std::time_t>(days) * 86400;
   std::tm tm{};

@@ -106,8 +106,10 @@ class EnvOverride {
   std::optional<std::string> old_;
 };
 
-// A date `days` from today in the schedule's form, "%04d/%02d/%02d".
+// A date `days` from today in the schedule's form, "%04d/%02d/%02d"; a local time of the given
+// year, month (1 to 12), day and time of day.
 std::string DateFromToday(int days);
+std::tm Tm(int year, int month, int day, int hour = 0, int minute = 0, int second = 0);
 
 // Packs what `folder` holds (names relative to it) into a zip file with 7za; the member names
 // that 7za lists (with "/" separators), sorted.

@@ -55,12 +55,6 @@ TEST(XmlDocument, WhatParsesAndWhatIs300) {
   EXPECT_NE(bytes.find("<qv n=\"wordword\"/>"), std::string::npos);
 }
 
-std::tm FixedNow() {  // 2031/07/04 05:06:07
-  std::tm t{};
-  t.tm_year = 131, t.tm_mon = 6, t.tm_mday = 4, t.tm_hour = 5, t.tm_min = 6, t.tm_sec = 7;
-  return t;
-}
-
 // The item at `index` as the record its kind names; another kind fails.
 template <typename Record>
 const Record& Item(const QvFPlaylist& playlist, size_t index) {
@@ -96,7 +90,7 @@ class XmlVocabularies : public testing::TestWithParam<bool> {
     return b.substr(b.find("?>") + 2);
   }
 
-  qvtest::FixedClock clock_{FixedNow()};
+  qvtest::FixedClock clock_{qvtest::Tm(2031, 7, 4, 5, 6, 7)};
   qvtest::ScratchDir dir_;
   std::string path_ = dir_.Sub("document.xml");
 };
