@@ -161,7 +161,10 @@ int OpenExistingForReading(std::u16string_view path, struct stat* st) {
 int CreateForWriting(std::u16string_view path) {
   int fd = -1;
   OnNew(path, false, [&](const SystemPath& p) {
+    // A new file costs one call; one that is there is looked at first, since
     // Windows writes no file that is read-only, whoever asks.
+    fd = OpenRetry(p.str(), O_WRONLY | O_CREAT | O_EXCL, 0666);
+    if (fd >= 0 || errno != EEXIST) return fd >= 0;
     if (system::IsReadOnlyFile(p.c_str())) {
       errno = EACCES;
       return false;
