@@ -77,7 +77,8 @@ QvCsvFile::SharedReads::~SharedReads() { kept = KeptRead(); }
 
 QvCsvFile::~QvCsvFile() {
   // The rows of a whole file that waits for its next read spare that read the parse.
-  if (kept.full && !kept.parsed && !source_.empty() && kept.path == source_) {
+  // A read that was cut short is read again, so that it tells of it again.
+  if (kept.full && !kept.parsed && !cut_short_ && !source_.empty() && kept.path == source_) {
     kept.rows = std::move(rows_);
     kept.parsed = true;
   }
@@ -123,8 +124,11 @@ void QvCsvFile::ReadBytes(std::string_view bytes) {
     // Read as text: a CR LF pair is one line end.
     if (has_line_end && !line.empty() && line.back() == '\r') line.remove_suffix(1);
     // A line too long for the line buffer ends the read; the rows so far stay.
-    if (line.size() > kMaxLineBytes) converter::run_log::LineTooLong(rows.size() + 1);
-    if (line.size() > kMaxLineBytes) break;
+    if (line.size() > kMaxLineBytes) {
+      converter::run_log::LineTooLong(rows.size() + 1);
+      cut_short_ = true;
+      break;
+    }
     line = line.substr(0, line.find('\0'));
     rows.push_back(SplitLine(converter::WideFromCp932(line)));
     if (!has_line_end) break;

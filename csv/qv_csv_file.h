@@ -83,6 +83,7 @@ class QvCsvFile {
  private:
   std::vector<Row> rows_;
   std::u16string source_;  // the file whose rows these are, alone and unchanged
+  bool cut_short_ = false;  // a line too long ended a read
 
 };
 

@@ -315,8 +315,9 @@ bool MoveToNew(std::u16string_view source, std::u16string_view destination) {
 }
 
 bool system::IsReadOnlyFile(const char* native) {
+  // Through a link too: the write would reach the file it points to.
   struct stat st;
-  return ::lstat(native, &st) == 0 && S_ISREG(st.st_mode) && (st.st_mode & S_IWUSR) == 0;
+  return ::stat(native, &st) == 0 && S_ISREG(st.st_mode) && (st.st_mode & S_IWUSR) == 0;
 }
 
 bool system::ReadFile(std::u16string_view path, std::string* bytes) {

@@ -5,7 +5,9 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <system_error>
 
+#include "platform/file_system.h"
 #include "platform/ntfs_names.h"
 #include "platform/system_path.h"
 #include "platform/text_codec.h"
@@ -13,7 +15,8 @@
 namespace quorvane::platform {
 
 FoldersAhead::FoldersAhead(std::u16string_view parent, const std::vector<std::u16string>& names) {
-  const SystemPath path(parent);
+  // The parent as the other file calls find it, in any case.
+  const SystemPath path(PathAsFound(parent));
   if (path.nameable()) {
     parent_ = ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
   }
@@ -24,7 +27,11 @@ FoldersAhead::FoldersAhead(std::u16string_view parent, const std::vector<std::u1
     names_.push_back(single ? Utf8FromUtf16(name) : std::string());
   }
   created_.assign(names_.size(), false);
-  thread_ = std::thread([this] { Run(); });
+  try {
+    thread_ = std::thread([this] { Run(); });
+  } catch (const std::system_error&) {
+    Run();  // no thread to be had: every folder is made now
+  }
 }
 
 FoldersAhead::~FoldersAhead() {

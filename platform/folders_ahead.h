@@ -13,10 +13,13 @@
 // takes back what was made ahead of it (Withdraw), so that what it leaves
 // behind is what it would have made itself.
 //
-// The names are single names that Windows can hold, made with the parent
-// open, which is a folder the caller has just made itself: they are not
-// looked up without regard to case, and the rest of the file system layer
-// does not learn of them.
+// The parent is found as the other file calls find it (in any case).  The
+// names are single names that Windows can hold, made with the parent open,
+// which is a folder the caller has just made itself: they are not looked up
+// without regard to case, and the rest of the file system layer does not
+// learn of them, so nothing else is to be made in that parent meanwhile.
+// Where no thread can be started, every folder is made before the
+// constructor returns.
 #ifndef QV_PLATFORM_FOLDERS_AHEAD_H_
 #define QV_PLATFORM_FOLDERS_AHEAD_H_
 

@@ -24,8 +24,9 @@ bool Private(const struct stat& st) {
 }  // namespace
 
 SharedFolder::SharedFolder(std::u16string_view path, Missing missing) {
-  // The shared folder is the user's choice: a link to it is followed.
-  const SystemPath folder(path);
+  // The shared folder is the user's choice: a link to it is followed, and it
+  // is found in any case, as the other file calls find it.
+  const SystemPath folder(PathAsFound(path));
   fd_ = ::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
   if (fd_ < 0 && errno == ENOENT && missing == Missing::kMake && folder.nameable()) {
     const std::string& native = folder.native();

@@ -17,7 +17,8 @@
 
 namespace quorvane::platform::system {
 
-// Is the system path a plain file that its owner may not write?  Windows
+// Is the system path (or what a link there points to) a plain file that its
+// owner may not write?  Windows
 // replaces no such file, whoever asks (a file call on it is refused).
 bool IsReadOnlyFile(const char* native);
 

@@ -133,20 +133,32 @@ bool RemoveTreeAt(int parent, const std::string& name) {
   return emptied && !in_use && ::unlinkat(parent, name.c_str(), AT_REMOVEDIR) == 0;
 }
 
+namespace {
+
+// The last name of a path and the folder before it, trailing separators left
+// out: "a/b/" is "a" and "b", "b" is "." and "b".
+std::u16string_view LastName(std::u16string_view path, std::u16string* parent) {
+  while (path.size() > 1 && path.back() == u'/') path.remove_suffix(1);
+  const std::size_t cut = path.rfind(u'/');
+  if (parent != nullptr) {
+    *parent = cut == path.npos ? u"." : cut == 0 ? u"/" : std::u16string(path.substr(0, cut));
+  }
+  return cut == path.npos ? path : path.substr(cut + 1);
+}
+
+bool IsDots(std::u16string_view name) { return name == u"." || name == u".."; }
+
+}  // namespace
+
 bool RemoveTree(std::u16string_view path) {
-  std::u16string_view rest = path;
-  while (rest.size() > 1 && rest.back() == u'/') rest.remove_suffix(1);
-  const std::size_t cut = rest.rfind(u'/');
-  const std::u16string_view leaf = cut == rest.npos ? rest : rest.substr(cut + 1);
-  if (leaf.empty()) return false;
-  if (leaf == u"." || leaf == u"..") {
+  std::u16string parent;
+  const std::u16string_view leaf = LastName(path, &parent);
+  if (leaf.empty() || leaf == u"/") return false;
+  if (IsDots(leaf)) {
     // "a/b/.." is "a" on the text, as Windows reads it.
     const Win32Path clean = CleanWin32Path(path);
     if (!clean.nameable) return false;
-    const std::u16string_view cleaned = clean.path;
-    if (cleaned != u"." && cleaned != u".." && !cleaned.ends_with(u"/..")) {
-      return RemoveTree(cleaned);
-    }
+    if (!IsDots(LastName(clean.path, nullptr))) return RemoveTree(clean.path);
     // The current folder or one above it: emptied as far as Windows gets
     // (not the current folder itself, which is in use), never removed.
     const int folder = ::open(SystemPath(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -155,7 +167,6 @@ bool RemoveTree(std::u16string_view path) {
     ::close(folder);
     return false;
   }
-  const std::u16string parent(cut == rest.npos ? u"." : cut == 0 ? u"/" : rest.substr(0, cut));
   const int folder = ::open(SystemPath(parent).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
   if (folder < 0) return false;
   const bool gone = RemoveTreeAt(folder, NativePath(leaf));

@@ -130,6 +130,12 @@ void UnpackArchive(const std::u16string& archive, platform::PrivateFolder& folde
 }
 
 bool ProbeArchive(const std::u16string& archive) {
+  // Only what may become the marker is extracted, when the listing tells it.
+  // A tool that cannot be started is known before anything is made.
+  ProbeSelection selection;
+  bool started = false;
+  Guarded(codes::kUnpackFailed, [&] { started = SelectForProbe(archive, selection); });
+  if (!started) ThrowCode(codes::kUnpackFailed);
   // The tool makes the folder it extracts into, and the missing folders that
   // lead to it: a temporary folder that is not there yet comes into being.
   const platform::SharedFolder temp(platform::TempDirectory(),
@@ -141,19 +147,6 @@ bool ProbeArchive(const std::u16string& archive) {
   RequireReady(lock.status());
   platform::PrivateFolder probe(temp, u"chktemp");
   RequireReady(probe.status());
-  // Only what may become the marker is extracted, when the listing tells it.
-  ProbeSelection selection;
-  bool started = false;
-  try {
-    started = SelectForProbe(archive, selection);
-  } catch (const std::exception&) {
-    probe.Remove();
-    ThrowCode(codes::kUnpackFailed);
-  }
-  if (!started) {
-    probe.Remove();
-    ThrowCode(codes::kUnpackFailed);
-  }
   // The probe folder is not cleared first: only its removal after each probe
   // keeps it empty between runs, so what a killed run left there still counts,
   // as it always has.

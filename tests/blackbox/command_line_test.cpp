@@ -91,7 +91,8 @@ TEST_F(Cli, CurrentFolderAndFolderTypedInAnotherCase) {
   EXPECT_EQ(ListDir(dest_), std::vector<std::string>{"new.txt"});
   for (const char* name : {"z1", "a1", "Y2", "b1", "y1", "Z2", "inner/x"})
     WriteFile(dest_ + "/" + name, "x");
-  EXPECT_EQ(OpenFrom(dest_ + "/inner", QV_BINARY, scratch_.Sub("new.zip"), "..", RunEnv(temp_)), 0);
+  EXPECT_EQ(OpenFrom(dest_ + "/inner", QV_BINARY, scratch_.Sub("new.zip"), "..\\", RunEnv(temp_)),
+            0);
   EXPECT_EQ(ListDir(dest_),
             (std::vector<std::string>{"Y2", "Z2", "inner/", "new.txt", "y1", "z1"}));
   EXPECT_TRUE(ListDir(dest_ + "/inner").empty());

@@ -57,8 +57,9 @@ TEST(FileSystem, FoldersFilesAndWhatIsNoFile) {
   EXPECT_EQ(back, "new");  // overwritten
   // A read-only file is replaced by no one, as on Windows (these tests may run as root).
   ::chmod((dir.path() + "/g").c_str(), 0444);
+  ASSERT_EQ(::symlink("g", (dir.path() + "/to_g").c_str()), 0);
   EXPECT_FALSE(CopyFile(root + u"/f", root + u"/g") || WriteFile(root + u"/G", "other") ||
-               CopyFileWhole(root + u"/f", root + u"/g"));
+               CopyFileWhole(root + u"/f", root + u"/g") || WriteFile(root + u"/to_g", "link"));
   EXPECT_TRUE(ReadFile(root + u"/g", &back) && back == "new");
   EXPECT_FALSE(ReadFile(root + u"/missing", &back));
   EXPECT_FALSE(ReadFile(root, &back));  // a folder
