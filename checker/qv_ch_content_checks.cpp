@@ -22,12 +22,6 @@
 namespace quorvane::qvconv::checker {
 namespace {
 
-// A telop file converts one line at a time into a buffer of this many bytes
-// of UTF-8; a line that needs more keeps the whole characters that fit.
-constexpr std::size_t kConversionBuffer = 1024;
-// A telop file that is not UTF-16 is read in pieces of at most this many
-// bytes, so that a longer physical line counts as several lines.
-constexpr std::size_t kPieceBytes = kConversionBuffer - 1;
 // A text line longer than this many characters takes no part in the longest
 // line.
 constexpr std::size_t kMaxCountedLine = 1024;
@@ -55,17 +49,6 @@ struct TelopText {
   std::vector<std::string> parameters;  // fields of line 2, UTF-8
   std::size_t longest_line = 0;         // M: characters of the longest text line
 };
-
-// UTF-8 of `text` cut to the whole characters that fit in the conversion
-// buffer.
-std::string Utf8InBuffer(std::u16string_view text) {
-  std::string utf8 = converter::Utf8FromWide(text);
-  if (utf8.size() <= kConversionBuffer) return utf8;
-  std::size_t end = kConversionBuffer;
-  while (end > 0 && (static_cast<unsigned char>(utf8[end]) & 0xC0) == 0x80) --end;
-  utf8.resize(end);
-  return utf8;
-}
 
 // Fields of the parameter line: none without a comma, n + 1 with n commas.
 std::vector<std::string> SplitParameters(const std::string& line) {
@@ -132,19 +115,14 @@ TelopText ReadTelop(const std::u16string& path) {
     });
     return telop;
   }
-  // Code page 932 text; a CR LF pair reads as one line end.
-  std::string text;
-  text.reserve(bytes.size());
-  for (std::size_t i = 0; i < bytes.size(); ++i) {
-    if (bytes[i] == '\r' && i + 1 < bytes.size() && bytes[i + 1] == '\n') continue;
-    text.push_back(bytes[i]);
-  }
-  ForEachLine(text, '\n', kPieceBytes, [&](const std::string& piece) {
+  // Code page 932 text in pieces, so that a longer physical line counts as
+  // several lines.
+  converter::ForEachTextPiece(bytes, [&](std::string utf8) {
     if (telop.lines == 0) {
       telop.lines = 1;  // line 1 is not read
       return;
     }
-    TakeLine(telop, Utf8InBuffer(converter::WideFromCp932(piece)), '\n');
+    TakeLine(telop, std::move(utf8), '\n');
   });
   return telop;
 }

@@ -18,17 +18,16 @@ std::string TelopAsUtf8(std::string_view bytes, int byte_order_mark) {
     }
     return Utf8FromWide(text);
   }
-  // Anything else is read and written in text mode: reading ends at a Ctrl-Z,
-  // and every line feed is written as CR LF (one that follows a CR already
-  // stays as it is).  Neither byte is ever the second byte of a double-byte
-  // character or part of a UTF-8 sequence.
-  const std::string utf8 = Utf8FromWide(WideFromCp932(bytes.substr(0, bytes.find('\x1a'))));
+  // Anything else is read in text mode, piece by piece, and written in text
+  // mode: every line feed is written as CR LF.
   std::string text;
-  text.reserve(utf8.size() + utf8.size() / 16);
-  for (std::size_t i = 0; i < utf8.size(); ++i) {
-    if (utf8[i] == '\n' && (i == 0 || utf8[i - 1] != '\r')) text += '\r';
-    text += utf8[i];
-  }
+  text.reserve(bytes.size() + bytes.size() / 2);
+  ForEachTextPiece(bytes, [&](const std::string& utf8) {
+    for (const char c : utf8) {
+      if (c == '\n') text += '\r';
+      text += c;
+    }
+  });
   return text;
 }
 

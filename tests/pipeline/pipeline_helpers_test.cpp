@@ -35,6 +35,15 @@ TEST(TelopRecoding, TextBecomesUtf8ByItsMark) {
   // Text mode: a bare line feed is written as CR LF, a lone CR stays, and a Ctrl-Z ends the text.
   EXPECT_EQ(TelopAsUtf8(Cp932("一\n二\r三\r\r\n四\x1a五\n"), 0), "一\r\n二\r三\r\r\n四");
   EXPECT_EQ(TelopAsUtf8("\n\x1a", 0), "\r\n");
+  // Read in pieces of 1,023 bytes, each converted alone: 漢 (8A BF) cut after byte 1,023 comes out
+  // as its lead byte alone (U+30FB, which no longer fits the piece's buffer of 1,024 bytes) and its
+  // trail byte alone (U+FF7F).
+  EXPECT_EQ(TelopAsUtf8(std::string(1022, 'A') + Cp932("漢字"), 0),
+            std::string(1022, 'A') + "ｿ字");
+  // A piece whose UTF-8 outgrows the buffer of 1,024 bytes keeps the whole characters that fit.
+  std::string kana;
+  for (int i = 0; i < 511; ++i) kana += "あ";
+  EXPECT_EQ(TelopAsUtf8(Cp932(kana), 0), kana.substr(0, 341 * 3));
   // A UTF-8 mark is not honoured, and big-endian UTF-16 is read as code page 932 too: its zero
   // bytes stay.
   EXPECT_NE(TelopAsUtf8("\xEF\xBB\xBF"s + "abc", 3), "abc");
