@@ -26,8 +26,16 @@ void CopyEntries(const std::u16string& source, const std::u16string& destination
     const std::u16string to = Join(destination, entry.name);
     if (move) run_log::Step("deliver", from, to);
     if (move && platform::MoveToNew(from, to)) continue;
+    // What stands in the destination as a link (or as something that is no
+    // file) is not written through: the tree never reaches outside.
+    const bool blocked = entry.is_directory
+                             ? (platform::MakeDirectory(to), !platform::IsDirectory(to))
+                             : platform::PathExists(to) && !platform::IsRegularFile(to);
+    if (blocked) {
+      run_log::Loss("the destination", to, "is a link or no folder: left out of the copy");
+      continue;
+    }
     if (entry.is_directory) {
-      platform::MakeDirectory(to);
       if (move) {
         MoveTree(from, to);
       } else {

@@ -1,5 +1,7 @@
 // The way back: a package opened with -unpackage comes back as a CSV project, and a project
 // survives the way there and back but for its two documented losses.
+#include <unistd.h>
+
 #include "tests/blackbox/project_builder.h"
 
 namespace qvtest {
@@ -73,6 +75,19 @@ std::string PackageText(const std::string& qvformat) {
 
 // Names that sort in the order of their first use, so that a second conversion gives the same
 // identifiers; one pane per program.
+// A link standing in the destination is not written through: what would go there stays out.
+TEST_F(RoundTrip, ALinkInTheDestinationIsNotFollowed) {
+  BuildCleanProject(p_);
+  ASSERT_EQ(Package().status, 0);
+  WriteFile(scratch_.Sub("victim/CT1.png"), "precious");
+  MakeDirs(back_);
+  ASSERT_EQ(::symlink(scratch_.Sub("victim").c_str(), (back_ + "/contents").c_str()), 0);
+  ASSERT_EQ(Unpackage(zip_, back_).status, 0);
+  EXPECT_EQ(ListDir(scratch_.Sub("victim")), std::vector<std::string>{"CT1.png"});
+  EXPECT_EQ(ReadFile(scratch_.Sub("victim/CT1.png")), "precious");
+  EXPECT_EQ(FilesBelow(back_).size(), 1u + 2 + 2 * 11 + 2);  // all but the contents
+}
+
 TEST_F(RoundTrip, SecondPackageHoldsTheSameDocuments) {
   p_.Schedule({ScheduleEntry("2035/02/01", "TimeTable_a.csv", "true"),
                ScheduleEntry("2035/02/02", "TimeTable_b.csv"),
