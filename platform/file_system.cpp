@@ -191,6 +191,13 @@ std::u16string PathAsFound(std::u16string_view path) {
   return PathFromNative(found.empty() ? native.native() : found);
 }
 
+bool IsPipe(std::u16string_view path) {
+  struct stat st;
+  const SystemPath native(PathAsFound(path));
+  return native.nameable() && ::stat(native.c_str(), &st) == 0 &&
+         (S_ISFIFO(st.st_mode) || S_ISSOCK(st.st_mode));
+}
+
 MakeDirResult system::MakeDirectory(std::u16string_view path) {
   if (OnNew(path, true, [](const SystemPath& p) { return ::mkdir(p.c_str(), 0777) == 0; })) {
     return MakeDirResult::kCreated;

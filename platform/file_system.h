@@ -53,6 +53,9 @@ bool PathExists(std::u16string_view path);
 bool IsDirectory(std::u16string_view path);
 // Is the path a plain file (a link to a file is not)?
 bool IsRegularFile(std::u16string_view path);
+// Is the path (or what a link there points to) a pipe or a socket, which
+// would hold whoever opens it until someone else writes it?
+bool IsPipe(std::u16string_view path);
 
 struct DirEntry {
   std::u16string name;

@@ -84,6 +84,11 @@ void UnpackArchive(const std::u16string& archive, const std::u16string& folder) 
     if (!folder.empty()) DeleteTree(platform::PathAsFound(folder));
     const std::u16string destination = folder.empty() ? folder : platform::PathAsFound(folder);
     run_log::Step("extract", archive, destination);
+    if (platform::IsPipe(archive)) {
+      // The tool would wait for the pipe's writer, and the run with it.
+      started = true;
+      return;
+    }
     started = RunTool({u"x", AsOperand(archive), u"-o" + destination}, &status);
     // What the tool could not settle is settled here, as far as it goes.
     if (started) platform::FixExtractedNames(destination);
@@ -130,6 +135,8 @@ void UnpackArchive(const std::u16string& archive, platform::PrivateFolder& folde
 }
 
 bool ProbeArchive(const std::u16string& archive) {
+  // A pipe holds no package, and the tool would wait for its writer.
+  if (platform::IsPipe(archive)) return false;
   // Only what may become the marker is extracted, when the listing tells it.
   // A tool that cannot be started is known before anything is made.
   ProbeSelection selection;

@@ -121,6 +121,11 @@ TEST_F(Cli, TheToolAndTheTemporaryFolder) {
   EXPECT_EQ(RunQv({zip_, "-unpackage" + dest_}, {"TMPDIR=" + scratch_.Sub("no/such/tmp")}).status,
             0);
   EXPECT_EQ(ReadFile(dest_ + "/dir/a.txt"), "a");
+
+  // An archive that is a pipe would hold the tool, and the run, until someone wrote it.
+  ASSERT_EQ(::mkfifo(scratch_.Sub("pipe.zip").c_str(), 0600), 0);
+  EXPECT_EQ(Qv({scratch_.Sub("pipe.zip"), "-unpackage" + dest_}), 0);
+  EXPECT_FALSE(Exists(dest_));
 }
 
 const char* const kDocuments[] = {"QvS.xml",         "QvT/TM1.xml",     "QvT/TM2.xml",
