@@ -123,19 +123,39 @@ std::vector<std::string> Parts(const std::string& name, bool top, bool file) {
   return parts;
 }
 
-// The first name of the archive tool's renaming form ("a.txt", "a_1.txt",
-// "a_2.txt", ...) that is free in `folder`, or is a folder when `folder_will_do`.
-// Empty when the names grow too long.
+// A free name of the archive tool's renaming form ("a.txt", "a_1.txt",
+// "a_2.txt", ...) in `folder` (or one that is a folder when `folder_will_do`):
+// the name itself when it is free, else the number found as the tool finds
+// it, by halving the range 1 to 2^30 on whether a number is taken, which is
+// the first free one while the taken ones come first.  Empty when the name
+// grows too long.
 std::string Unoccupied(int folder, const std::string& name, bool folder_will_do) {
   std::size_t dot = name.rfind('.');
   if (dot == std::string::npos || dot == 0) dot = name.size();
-  for (unsigned n = 0;; ++n) {
-    const std::string candidate =
-        n == 0 ? name : name.substr(0, dot) + "_" + std::to_string(n) + name.substr(dot);
-    if (candidate.size() > NAME_MAX) return {};
-    const Kind kind = Settle(folder, candidate);
-    if (kind == Kind::kMissing || (folder_will_do && kind == Kind::kFolder)) return candidate;
+  const auto candidate = [&](unsigned n) {
+    return n == 0 ? name : name.substr(0, dot) + "_" + std::to_string(n) + name.substr(dot);
+  };
+  const auto taken = [&](const std::string& path) {
+    if (path.size() > NAME_MAX) return false;
+    const Kind kind = Settle(folder, path);
+    return !(kind == Kind::kMissing || (folder_will_do && kind == Kind::kFolder));
+  };
+  unsigned found = 0;
+  if (taken(name)) {
+    unsigned left = 1, right = 1u << 30;
+    while (left != right) {
+      const unsigned mid = left + (right - left) / 2;
+      if (taken(candidate(mid))) {
+        left = mid + 1;
+      } else {
+        right = mid;
+      }
+    }
+    found = left;
   }
+  const std::string result = candidate(found);
+  if (result.size() > NAME_MAX || taken(result)) return {};
+  return result;
 }
 
 // A free name made of "\" alone, which stands for the folder it is in.
