@@ -169,7 +169,9 @@ int CreateForWriting(std::u16string_view path) {
       errno = EACCES;
       return false;
     }
-    fd = OpenRetry(p.str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
+    // Without waiting: a pipe that nobody reads is no place to write to.
+    fd = OpenRetry(p.str(), O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK, 0666);
+    if (fd >= 0) ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK);
     return fd >= 0;
   });
   return fd;

@@ -3,6 +3,7 @@
 // everywhere; several processes at once in one temporary folder, taking turns on its fixed
 // folders.  A report that cannot be written.  (A full disk: tests/app/run_options_test.cpp.)
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <thread>
@@ -129,7 +130,9 @@ TEST_F(HostileRuns, ConversionsChecksAndOpeningsSideBySide) {
 TEST_F(HostileRuns, ReportThatCannotBeWrittenIsUnknownFailure) {
   BuildTimeTableProject(p_);
   p_.Schedule({ScheduleEntry(DateFromToday(-1), "TimeTable_a.csv")});  // one warning
-  for (const std::string& report : {std::string("/dev/full"), scratch_.Sub("missing/report.xml")})
+  ASSERT_EQ(::mkfifo(scratch_.Sub("pipe.xml").c_str(), 0600), 0);  // nobody reads it
+  for (const std::string& report : {std::string("/dev/full"), scratch_.Sub("missing/report.xml"),
+                                    scratch_.Sub("pipe.xml")})
     EXPECT_EQ(RunQv({project_, "-check" + report}, RunEnv(temp_)).status, Status(-999)) << report;
 }
 
