@@ -3,6 +3,7 @@
 #include <dirent.h>
 #include <sys/stat.h>
 
+#include <ctime>
 #include <map>
 #include <optional>
 #include <unordered_map>
@@ -67,23 +68,76 @@ std::optional<std::vector<std::string>> Entries(const std::string& folder) {
   return names;
 }
 
-// The entry of `folder` that NTFS finds for `name`; empty if none.
-std::string Match(const std::string& folder, const std::string& name) {
-  const std::optional<std::vector<std::string>> entries = Entries(folder);
-  if (!entries) return {};
-  const std::u16string wanted = Utf16FromUtf8(name);
-  std::string best;
-  std::u16string best_wide;
-  for (const std::string& entry : *entries) {
-    if (entry == name) return entry;
+// What NTFS finds in one folder: each name's exact spelling, and for each
+// upper-case form the first spelling in UTF-16 order among the names that
+// Windows can hold.
+struct Finder {
+  std::unordered_map<std::string, bool> exact;  // the value is unused
+  std::unordered_map<std::u16string, std::string> by_upper;
+};
+
+Finder FinderOf(const std::vector<std::string>& entries) {
+  Finder finder;
+  std::unordered_map<std::u16string, std::u16string> best_wide;
+  for (const std::string& entry : entries) {
+    finder.exact.emplace(entry, true);
     const std::u16string wide = Utf16FromUtf8(entry);
-    if (!IsWindowsName(wide) || !NtfsSameName(wide, wanted)) continue;
-    if (best.empty() || wide < best_wide) {
-      best = entry;
-      best_wide = wide;
+    if (!IsWindowsName(wide)) continue;
+    const std::u16string upper = NtfsUpper(wide);
+    const auto [it, added] = best_wide.emplace(upper, wide);
+    if (added || wide < it->second) {
+      it->second = wide;
+      finder.by_upper[upper] = entry;
     }
   }
-  return best;
+  return finder;
+}
+
+// Listings of folders that nothing has changed for a while, kept with the
+// folder's identity and times: a change made later gives the folder a time
+// of its own, later than the one kept, so a kept listing is never stale.  A
+// folder changed in the last seconds is listed every time (a change in the
+// same tick of the clock would not show).
+struct KeptListing {
+  dev_t device;
+  ino_t inode;
+  struct timespec modified;  // a folder's entries change only with this time
+  Finder finder;
+};
+constexpr time_t kQuietSeconds = 2;
+
+bool SameTime(const struct timespec& a, const struct timespec& b) {
+  return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
+}
+
+// The entry of `folder` that NTFS finds for `name`; empty if none.
+std::string Match(const std::string& folder, const std::string& name) {
+  static std::unordered_map<std::string, KeptListing> kept;
+  const std::string native = folder.empty() ? std::string(".") : folder;
+  struct stat st;
+  const bool known = ::stat(SystemPath(native).c_str(), &st) == 0;
+  const Finder* finder = nullptr;
+  Finder fresh;
+  const auto it = kept.find(native);
+  if (known && it != kept.end() && it->second.device == st.st_dev &&
+      it->second.inode == st.st_ino && SameTime(it->second.modified, st.st_mtim)) {
+    finder = &it->second.finder;
+  } else {
+    const std::optional<std::vector<std::string>> entries = Entries(folder);
+    if (!entries) return {};
+    fresh = FinderOf(*entries);
+    finder = &fresh;
+    struct timespec now;
+    if (known && ::clock_gettime(CLOCK_REALTIME, &now) == 0 &&
+        now.tv_sec - st.st_mtim.tv_sec > kQuietSeconds) {
+      KeptListing& listing = kept[native];
+      listing = {st.st_dev, st.st_ino, st.st_mtim, std::move(fresh)};
+      finder = &listing.finder;
+    }
+  }
+  if (finder->exact.count(name) != 0) return name;
+  const auto found = finder->by_upper.find(NtfsUpper(Utf16FromUtf8(name)));
+  return found == finder->by_upper.end() ? std::string() : found->second;
 }
 
 bool IsFolder(const std::string& path) {

@@ -1,6 +1,11 @@
 // Paths taken as Windows takes them on NTFS: the cleanup of the text, names compared without regard
 // to case, what a name may hold, what a path opens and what is made.  A listing's order, what
 // copies keep: tests/blackbox/windows_projects_test.cpp.
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <ctime>
+
 #include "platform/file_system.h"
 #include "platform/ntfs_names.h"
 #include "platform/win32_path.h"
@@ -84,12 +89,25 @@ TEST(WindowsLookup, PathsOpenWhatWindowsOpens) {
       {"/Project/missing.csv", ""},
       {"/Project/PLAIN/x", ""},  // runs through a file
   };
-  for (const auto& [asked, opened] : cases) {
-    std::string bytes;
-    EXPECT_EQ(ReadFile(U16(p + asked), &bytes), !opened.empty()) << asked;
-    EXPECT_EQ(bytes, opened) << asked;
-    EXPECT_EQ(PathExists(U16(p + asked)), !opened.empty()) << asked;
-  }
+  // Folders that nothing has changed for a while have their listings kept: the same answers, also
+  // once a folder changes again.
+  const auto check = [&](const char* when) {
+    for (const auto& [asked, opened] : cases) {
+      std::string bytes;
+      EXPECT_EQ(ReadFile(U16(p + asked), &bytes), !opened.empty()) << asked << when;
+      EXPECT_EQ(bytes, opened) << asked << when;
+      EXPECT_EQ(PathExists(U16(p + asked)), !opened.empty()) << asked << when;
+    }
+  };
+  check(" (fresh)");
+  const struct timespec past[2] = {{::time(nullptr) - 3600, 0}, {::time(nullptr) - 3600, 0}};
+  for (const char* folder : {"", "/Project", "/Project/both", "/Project/Program_Ads"})
+    ::utimensat(AT_FDCWD, (p + folder).c_str(), past, 0);
+  check(" (quiet)");
+  check(" (kept)");
+  qvtest::WriteFile(p + "/Project/both/New.txt", "new");
+  std::string added;
+  EXPECT_TRUE(ReadFile(U16(p + "/PROJECT/BOTH/NEW.TXT"), &added) && added == "new");
   EXPECT_TRUE(IsDirectory(U16(p + "/project/PROGRAM_ADS/")));
   std::vector<DirEntry> entries;
   EXPECT_TRUE(ListDirectory(U16(p + "\\PROJECT\\program_ads"), &entries));
