@@ -195,7 +195,7 @@ const CatalogueLine kCatalogue[] = {
      u"modify the setting at content property screen.",
      u"一時的な表示枠の位置の変更には対応していません。"},
     {{u"msg.CI2200"},
-     u"Not support the specification of the \"Attached Files\". Please modify the setting at "
+     u"Not support the designation of the \"Attached Files\". Please modify the setting at "
      u"content property screen.",
      u"添付ファイルの指定には対応していません。"},
     {{u"msg.CI2300"},
