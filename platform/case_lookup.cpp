@@ -7,6 +7,7 @@
 #include <map>
 #include <optional>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "platform/ntfs_names.h"
@@ -68,27 +69,40 @@ std::optional<std::vector<std::string>> Entries(const std::string& folder) {
   return names;
 }
 
-// What NTFS finds in one folder: each name's exact spelling, and for each
-// upper-case form the first spelling in UTF-16 order among the names that
-// Windows can hold.
+bool IsFolder(const std::string& path) {
+  struct stat st;
+  return ::stat(SystemPath(path.empty() ? std::string(".") : path).c_str(), &st) == 0 &&
+         S_ISDIR(st.st_mode);
+}
+
+// The names of a folder that this process made or listed, by their NTFS
+// upper-case form; for each, the first spelling in NTFS order.
+using FolderNames = std::unordered_map<std::u16string, std::string>;
+
+std::map<std::string, FolderNames>& Known() {
+  static std::map<std::string, FolderNames> known;
+  return known;
+}
+
+void Remember(FolderNames& names, const std::string& name) {
+  const std::u16string wide = Utf16FromUtf8(name);
+  if (!IsWindowsName(wide)) return;
+  auto [it, added] = names.emplace(NtfsUpper(wide), name);
+  if (!added && wide < Utf16FromUtf8(it->second)) it->second = name;
+}
+
+// What NTFS finds in one folder: each name's exact spelling, and the
+// remembered names by their upper-case form.
 struct Finder {
-  std::unordered_map<std::string, bool> exact;  // the value is unused
-  std::unordered_map<std::u16string, std::string> by_upper;
+  std::unordered_set<std::string> exact;
+  FolderNames by_upper;
 };
 
 Finder FinderOf(const std::vector<std::string>& entries) {
   Finder finder;
-  std::unordered_map<std::u16string, std::u16string> best_wide;
   for (const std::string& entry : entries) {
-    finder.exact.emplace(entry, true);
-    const std::u16string wide = Utf16FromUtf8(entry);
-    if (!IsWindowsName(wide)) continue;
-    const std::u16string upper = NtfsUpper(wide);
-    const auto [it, added] = best_wide.emplace(upper, wide);
-    if (added || wide < it->second) {
-      it->second = wide;
-      finder.by_upper[upper] = entry;
-    }
+    finder.exact.insert(entry);
+    Remember(finder.by_upper, entry);
   }
   return finder;
 }
@@ -138,28 +152,6 @@ std::string Match(const std::string& folder, const std::string& name) {
   if (finder->exact.count(name) != 0) return name;
   const auto found = finder->by_upper.find(NtfsUpper(Utf16FromUtf8(name)));
   return found == finder->by_upper.end() ? std::string() : found->second;
-}
-
-bool IsFolder(const std::string& path) {
-  struct stat st;
-  return ::stat(SystemPath(path.empty() ? std::string(".") : path).c_str(), &st) == 0 &&
-         S_ISDIR(st.st_mode);
-}
-
-// The names of a folder that this process made or listed, by their NTFS
-// upper-case form; for each, the first spelling in NTFS order.
-using FolderNames = std::unordered_map<std::u16string, std::string>;
-
-std::map<std::string, FolderNames>& Known() {
-  static std::map<std::string, FolderNames> known;
-  return known;
-}
-
-void Remember(FolderNames& names, const std::string& name) {
-  const std::u16string wide = Utf16FromUtf8(name);
-  if (!IsWindowsName(wide)) return;
-  auto [it, added] = names.emplace(NtfsUpper(wide), name);
-  if (!added && wide < Utf16FromUtf8(it->second)) it->second = name;
 }
 
 // The remembered names of a folder, listing it the first time.
