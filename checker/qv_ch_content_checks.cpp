@@ -1,5 +1,6 @@
 // The checks of a contents file: the kind of the content by its extension,
 // the limits of a telop file, the background colour and the image effect.
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <stdexcept>
@@ -70,22 +71,15 @@ void TakeLine(TelopText& telop, std::string utf8, char end_of_text) {
   }
 }
 
-// Lines as a stream reads them: the last line needs no line end, and a file
-// that ends with one has no empty line behind it.  A line end is looked for
-// within the next piece only, so a text without line ends costs its length,
-// not its length times the number of pieces.
-template <typename Text, typename Take>
-void ForEachLine(const Text& text, typename Text::value_type end, std::size_t max_piece,
-                 Take take) {
-  const std::basic_string_view<typename Text::value_type> all(text);
-  std::size_t start = 0;
-  while (start < all.size()) {
-    const auto window = all.substr(start, max_piece);
-    const std::size_t found = window.find(end);
-    // The line end belongs to the piece.
-    const std::size_t length = found == window.npos ? window.size() : found + 1;
-    take(Text(window.substr(0, length)));
-    start += length;
+// Calls `take` with each line of `text` without its LF, as a stream reads
+// lines: the last line needs no line end, and a text that ends with one has
+// no empty line behind it.
+template <typename Take>
+void ForEachLine(std::u16string_view text, Take take) {
+  for (std::size_t start = 0; start < text.size();) {
+    const std::size_t end = std::min(text.find(u'\n', start), text.size());
+    take(std::u16string(text.substr(start, end - start)));
+    start = end + 1;
   }
 }
 
@@ -105,12 +99,11 @@ TelopText ReadTelop(const std::u16string& path) {
     // UTF-16 little-endian after its mark, lines ending in LF.
     const std::u16string text =
         platform::Utf16FromUtf16Bytes(std::string_view(bytes).substr(2), false);
-    ForEachLine(text, u'\n', text.size(), [&](std::u16string line) {
+    ForEachLine(text, [&](const std::u16string& line) {
       if (telop.lines == 0) {
         telop.lines = 1;  // line 1 is not read
         return;
       }
-      if (!line.empty() && line.back() == u'\n') line.pop_back();
       TakeLine(telop, converter::Utf8FromWide(line), '\r');
     });
     return telop;
