@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "platform/case_lookup.h"
 #include "platform/file_system.h"
 #include "platform/system_calls.h"
 #include "platform/system_path.h"
@@ -81,7 +82,12 @@ bool SyncFile(std::u16string_view path) {
 }
 
 bool RenameOver(std::u16string_view from, std::u16string_view to) {
-  return ::rename(SystemPath(from).c_str(), SystemPath(to).c_str()) == 0;
+  const SystemPath source(from), target(to);
+  if (::rename(source.c_str(), target.c_str()) != 0) return false;
+  // The names remembered for lookups without regard to case follow the move.
+  NoteGone(source.native());
+  NoteCreated(target.native(), false);
+  return true;
 }
 
 }  // namespace quorvane::platform

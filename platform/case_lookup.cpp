@@ -3,6 +3,7 @@
 #include <dirent.h>
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <ctime>
 #include <map>
 #include <optional>
@@ -61,11 +62,14 @@ std::optional<std::vector<std::string>> Entries(const std::string& folder) {
   DIR* dir = ::opendir(SystemPath(folder.empty() ? std::string(".") : folder).c_str());
   if (dir == nullptr) return std::nullopt;
   std::vector<std::string> names;
+  errno = 0;
   while (const struct dirent* e = ::readdir(dir)) {
     const std::string name = e->d_name;
     if (name != "." && name != "..") names.push_back(name);
   }
+  const bool whole = errno == 0;  // a listing that broke off is no listing
   ::closedir(dir);
+  if (!whole) return std::nullopt;
   return names;
 }
 

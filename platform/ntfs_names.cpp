@@ -102,17 +102,6 @@ bool NtfsSameName(std::u16string_view a, std::u16string_view b) {
   return true;
 }
 
-bool NtfsLess(std::u16string_view a, std::u16string_view b) {
-  const std::size_t common = std::min(a.size(), b.size());
-  for (std::size_t i = 0; i < common; ++i) {
-    const char16_t ua = NtfsUpper(a[i]);
-    const char16_t ub = NtfsUpper(b[i]);
-    if (ua != ub) return ua < ub;
-  }
-  if (a.size() != b.size()) return a.size() < b.size();
-  return a < b;
-}
-
 bool IsWindowsName(std::u16string_view name) {
   if (name.empty() || name == u"." || name == u"..") return false;
   if (name.back() == u'.' || name.back() == u' ') return false;

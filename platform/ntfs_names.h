@@ -25,10 +25,6 @@ std::u16string NtfsUpper(std::u16string_view name);
 // The same name to NTFS: equal after upper-casing.
 bool NtfsSameName(std::u16string_view a, std::u16string_view b);
 
-// NTFS order: by the upper-cased names, unit by unit; names that are the same
-// name to NTFS (they can stand side by side only here) by their own units.
-bool NtfsLess(std::u16string_view a, std::u16string_view b);
-
 // Could a file on Windows bear this name?  Not when it is empty, "." or "..",
 // holds one of \ / < > : " | ? * or a unit below 0x20, or ends in a dot or a
 // space (Windows drops those when it opens a path).  So "Schedule.csv:x", what

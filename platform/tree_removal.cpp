@@ -92,9 +92,11 @@ class Walk {
     // removal stops.
     std::vector<std::pair<std::u16string, FolderEntry>> keyed;
     keyed.reserve(entries.size());
-    for (FolderEntry& e : entries) keyed.emplace_back(PathFromNative(e.name), std::move(e));
-    std::sort(keyed.begin(), keyed.end(),
-              [](const auto& a, const auto& b) { return NtfsLess(a.first, b.first); });
+    for (FolderEntry& e : entries)
+      keyed.emplace_back(NtfsUpper(PathFromNative(e.name)), std::move(e));
+    std::sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) {
+      return a.first != b.first ? a.first < b.first : a.second.name < b.second.name;
+    });
     for (std::size_t i = 0; i < keyed.size(); ++i) entries[i] = std::move(keyed[i].second);
     return true;
   }
