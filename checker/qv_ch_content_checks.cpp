@@ -84,16 +84,13 @@ void ForEachLine(std::u16string_view text, Take take) {
 }
 
 TelopText ReadTelop(const std::u16string& path) {
-  int mark = 0;
   std::string bytes;
-  try {
-    mark = converter::ReadByteOrderMark(path);  // throws "cannot open file"
-    if (!platform::ReadFile(path, &bytes)) throw std::runtime_error("cannot open file");
-  } catch (const std::exception&) {
+  if (!platform::ReadFile(path, &bytes)) {
     converter::run_log::Loss(
         "telop", path, "cannot be opened: the check stops here, with no report and no output");
-    throw;
+    throw std::runtime_error("cannot open file");
   }
+  const int mark = converter::ByteOrderMarkOf(bytes);
   TelopText telop;
   if (mark == 1) {
     // UTF-16 little-endian after its mark, lines ending in LF.

@@ -87,6 +87,7 @@ QvCsvFile::~QvCsvFile() {
 void QvCsvFile::ReadFile(const std::u16string& path) {
   Guarded(codes::kCsvIoFailed, [&] {
     std::string bytes;
+    std::string_view text;  // the bytes read, or those kept for the next read
     const bool fresh = rows_.empty();
     if (kept.full && kept.path == path) {
       kept.full = false;
@@ -95,18 +96,21 @@ void QvCsvFile::ReadFile(const std::u16string& path) {
         return;
       }
       bytes = std::move(kept.bytes);
+      text = bytes;
     } else {
       kept.full = false;
       if (!platform::ReadFile(path, &bytes)) ThrowCode(codes::kProjectFileMissing);
+      text = bytes;
       if (kept.on) {
         kept.path = path;
-        kept.bytes = bytes;
+        kept.bytes = std::move(bytes);
         kept.parsed = false;
         kept.rows.clear();
         kept.full = true;
+        text = kept.bytes;
       }
     }
-    ReadBytes(bytes);
+    ReadBytes(text);
     if (fresh) source_ = path;
   });
 }

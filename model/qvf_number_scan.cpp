@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "model/qvf_text.h"
+
 namespace quorvane::qvformat::format {
 namespace {
 
@@ -21,7 +23,7 @@ int DigitValue(char16_t c, int base) {
 // and U+180E, which Unicode counted as a space until 6.3 and Windows still
 // does.  U+200B and U+FEFF (zero width, format characters) are not in it.
 bool IsRuntimeSpace(char16_t c, ScanUnits units) {
-  if (c == u' ' || (c >= u'\t' && c <= u'\r')) return true;
+  if (IsAsciiSpace(c)) return true;
   if (units == ScanUnits::kBytes || c < 0x85) return false;
   switch (c) {
     case 0x0085: case 0x00A0: case 0x1680: case 0x180E: case 0x2028: case 0x2029:

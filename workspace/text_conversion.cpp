@@ -53,9 +53,13 @@ int ReadByteOrderMark(const std::u16string& path) {
   if (!platform::ReadFilePrefix(path, 2, &head)) {
     throw std::runtime_error("cannot open file");
   }
-  if (head.size() < 2) return 0;
-  const auto b0 = static_cast<unsigned char>(head[0]);
-  const auto b1 = static_cast<unsigned char>(head[1]);
+  return ByteOrderMarkOf(head);
+}
+
+int ByteOrderMarkOf(std::string_view bytes) {
+  if (bytes.size() < 2) return 0;
+  const auto b0 = static_cast<unsigned char>(bytes[0]);
+  const auto b1 = static_cast<unsigned char>(bytes[1]);
   if (b0 == 0xFF && b1 == 0xFE) return 1;
   if (b0 == 0xFE && b1 == 0xFF) return 2;
   if (b0 == 0xEF && b1 == 0xBB) return 3;

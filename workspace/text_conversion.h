@@ -36,6 +36,8 @@ void ForEachTextPiece(std::string_view bytes, const std::function<void(std::stri
 //   3 EF BB (UTF-8; the third byte is not looked at).
 // Throws std::runtime_error("cannot open file") when the file cannot be opened.
 int ReadByteOrderMark(const std::u16string& path);
+// The same of a file's bytes already read.
+int ByteOrderMarkOf(std::string_view bytes);
 
 }  // namespace quorvane::qvconv::converter
 
