@@ -53,13 +53,11 @@ bool SelectForProbe(const std::u16string& archive, ProbeSelection& selection) {
   return true;
 }
 
-// A fixed name in a shared folder that is not ours alone, or cannot be made,
-// ends the run before anything is done with it.
+}  // namespace
+
 void RequireReady(platform::FixedName status) {
   if (status != platform::FixedName::kReady) ThrowCode(codes::kCannotCreate);
 }
-
-}  // namespace
 
 int PackFolder(const std::u16string& folder, const std::u16string& archive, bool compress) {
   bool started = false;

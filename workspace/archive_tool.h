@@ -3,9 +3,10 @@
 // documents.  Each starts the tool with an argument list (no shell) and waits
 // for it without a time limit.
 //
-// The tool's exit status is not used: a tool that starts counts as success,
-// so a corrupt archive or a full disk passes without a failure code.  Only a
-// tool that cannot be started is a failure.
+// The tool's exit status decides no exit code: a tool that starts counts as
+// success, so a corrupt archive or a full disk passes without a failure code,
+// and only a tool that cannot be started is a failure.  It is told to the
+// run's log, and a package is delivered only when the tool ended well.
 //
 // After every extraction the names are settled as 7-Zip on Japanese Windows
 // makes them (platform/extracted_names.h): a name that is not UTF-8 is read as
@@ -19,11 +20,13 @@
 
 #include <string>
 
-namespace quorvane::platform {
-class PrivateFolder;
-}
+#include "platform/private_folder.h"
 
 namespace quorvane::qvconv::converter {
+
+// A fixed name in a shared folder that is not ours alone, or cannot be made,
+// ends the run (-3) before anything is done with it.
+void RequireReady(platform::FixedName status);
 
 // Packs `folder` into the zip file `archive`: 7za a -r -tzip <archive> <folder>.
 // The folder is stored by its own name, so packing ".../QvFormat" gives a zip

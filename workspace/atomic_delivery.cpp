@@ -78,14 +78,14 @@ void PackFolderWhole(const std::u16string& folder, const std::u16string& archive
     platform::RemoveFile(partial);
     throw;
   }
+  std::string why = "the archive tool ended with status " + std::to_string(status);
   if (ToolEndedWell(status) && platform::IsRegularFile(partial)) {
     run_log::Step("deliver", partial, zip);
     platform::SyncFile(partial);
     if (platform::RenameOver(partial, zip)) return;
+    why = "it could not be renamed over the destination";
   }
-  run_log::Loss("the package", zip,
-                "was not delivered: the archive tool ended with status " + std::to_string(status) +
-                    "; the destination is as it was");
+  run_log::Loss("the package", zip, "was not delivered: " + why + "; the destination is as it was");
   platform::RemoveFile(partial);
 }
 

@@ -10,15 +10,6 @@
 #include "workspace/run_log.h"
 
 namespace quorvane::qvconv::converter {
-namespace {
-
-// A fixed name that is not ours alone, or cannot be made, ends the run.
-void RequireReady(platform::FixedName status) {
-  if (status != platform::FixedName::kReady) ThrowCode(codes::kCannotCreate);
-}
-
-}  // namespace
-
 QvConvPackageInput::QvConvPackageInput(QvConvRunConfig& config) : config_(config) {}
 
 QvConvPackageInput::~QvConvPackageInput() = default;
@@ -26,8 +17,6 @@ QvConvPackageInput::~QvConvPackageInput() = default;
 bool QvConvPackageInput::IsXmlPackage() {
   if (probed_) return answer_;
   Guarded(codes::kUnpackFailed, [&] {
-    answer_ = false;
-    // The probe folder is emptied before and removed after the test.
     answer_ = ProbeArchive(config_.InputPath());
     probed_ = true;
   });
