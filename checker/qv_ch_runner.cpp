@@ -233,13 +233,7 @@ void QvChRunner::CHECK_TIMETABLE_TIME(const std::u16string& cell) {
     // minutes and seconds of the current time.
     std::tm moment = platform::LocalNow();
     const std::string bytes = converter::Cp932FromWide(cell).substr(0, 255);
-    const std::u16string narrow = qvformat::format::Widen(bytes);
-    static constexpr int kWidths[] = {2, 2, 2};  // "%02d:%02d:%02d" on 8-bit text
-    int numbers[3] = {0, 0, 0};
-    const int read = ScanDecimalFields(narrow, u':', kWidths, numbers, ScanUnits::kBytes);
-    if (read > 0) moment.tm_hour = numbers[0];
-    if (read > 1) moment.tm_min = numbers[1];
-    if (read > 2) moment.tm_sec = numbers[2];
+    qvformat::format::ParseTime(qvformat::format::Widen(bytes), moment, ScanUnits::kBytes);
     std::tm now = platform::LocalNow();
     const long long difference = static_cast<long long>(
         std::difftime(platform::MakeLocalTime(&moment), platform::MakeLocalTime(&now)));

@@ -101,10 +101,10 @@ std::u16string FormatTime(const std::tm& time) {
          PaddedDecimal(time.tm_sec, 2);
 }
 
-void ParseTime(std::u16string_view text, std::tm& time) {
+void ParseTime(std::u16string_view text, std::tm& time, ScanUnits units) {
   static constexpr int kWidths[] = {2, 2, 2};  // "%2d:%2d:%2d"
   int numbers[3];
-  const int read = ScanDecimalFields(text, u':', kWidths, numbers);
+  const int read = ScanDecimalFields(text, u':', kWidths, numbers, units);
   if (read > 0) time.tm_hour = numbers[0];
   if (read > 1) time.tm_min = numbers[1];
   if (read > 2) time.tm_sec = numbers[2];

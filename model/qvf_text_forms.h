@@ -20,6 +20,7 @@
 #include <string>
 #include <string_view>
 
+#include "model/qvf_number_scan.h"
 #include "model/qvf_records.h"
 
 namespace quorvane::qvformat::format {
@@ -53,8 +54,9 @@ void ParseDate(std::u16string_view text, std::tm& date);
 // "%02d:%02d:%02d" of hours, minutes, seconds.
 std::u16string FormatTime(const std::tm& time);
 // Scans "%2d:%2d:%2d" straight into hours, minutes, seconds.  Scanning stops
-// at the first mismatch; the fields behind it keep their value.
-void ParseTime(std::u16string_view text, std::tm& time);
+// at the first mismatch; the fields behind it keep their value.  `units`:
+// the text is wide, or 8-bit text widened (then only ASCII white space).
+void ParseTime(std::u16string_view text, std::tm& time, ScanUnits units = ScanUnits::kWide);
 
 // ---- Integers and regions ---------------------------------------------------
 
