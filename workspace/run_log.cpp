@@ -142,11 +142,10 @@ std::string ExitText(std::int32_t code, bool by_failure) {
     case codes::kWarningsFound:
       return "the check found warnings and no error";
     case codes::kFinished:
-      if (!g_log->stopped.empty()) {
-        return "stopped early, " + g_log->stopped + ", at " + step + ": nothing was delivered";
-      }
-      if (by_failure) return "stopped early by an unexpected failure at " + step;
-      return "finished";
+      if (g_log->stopped.empty() && !by_failure) return "finished";
+      return "stopped early, " +
+             (g_log->stopped.empty() ? std::string("an unexpected failure") : g_log->stopped) +
+             ", at " + step + ": nothing was delivered";
     default:
       break;
   }
